@@ -1,0 +1,24 @@
+#pragma once
+#include <QImage>
+#include <QSize>
+#include <QString>
+
+// Decodes image files for display and processing, upright (EXIF orientation
+// applied) and within an allocation limit, so that a hostile header cannot
+// make us allocate without bound.
+class MMImageDecoder
+{
+public:
+    // Largest picture we decode, in pixels.
+    static constexpr qint64 MaxPixels = 100LL * 1000 * 1000;
+
+    // The whole picture; a null image on failure (missing, not an image,
+    // truncated, too large).
+    static QImage decode(const QString &path);
+    // A picture that fits within bound (aspect kept, never enlarged), decoded
+    // at reduced scale where the format allows (JPEG DCT scaling).
+    static QImage decodeFitting(const QString &path, const QSize &bound);
+    // The picture scaled to exactly size, decoded at reduced scale when the
+    // format allows.
+    static QImage decodeScaled(const QString &path, const QSize &size);
+};

@@ -1,0 +1,13 @@
+#pragma once
+
+enum MMImageFormat { MM_FORMAT_UNKNOWN = 0, MM_FORMAT_JPEG, MM_FORMAT_PNG, MM_FORMAT_BMP, MM_FORMAT_GIF, MM_FORMAT_OTHER };
+
+// What the header of an image file says. Width and height are those of the
+// picture as shown (upright: a JPEG's EXIF orientation is taken into account).
+struct MMImageInfo
+{
+    int width = 0;
+    int height = 0;
+    MMImageFormat format = MM_FORMAT_UNKNOWN;
+    int orientation = 1; // EXIF orientation of the stored pixels, 1 to 8
+};

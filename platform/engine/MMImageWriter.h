@@ -1,0 +1,18 @@
+#pragma once
+#include "MMEncodeOptions.h"
+#include <QImage>
+#include <QString>
+
+// Writes an image file atomically: into a temporary file beside the target,
+// then renamed over it. The format follows the target's extension.
+class MMImageWriter
+{
+public:
+    // 0 on success, -1 on failure (the target is then untouched, also
+    // when the extension names no format we can write).
+    // jpegQuality -1 means our default (high quality).
+    static int write(const QImage &image, const QString &path, int jpegQuality = -1);
+    static int write(const QImage &image, const QString &path, const MMEncodeOptions &options);
+    // The bytes write() would store; empty on failure.
+    static QByteArray encode(const QImage &image, const QString &path, const MMEncodeOptions &options);
+};

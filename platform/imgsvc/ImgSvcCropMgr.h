@@ -1,0 +1,39 @@
+#pragma once
+#include "ZKbMainWidget.h"
+
+class ImgSvcCropCtl;
+class ImgSvcCropView;
+class QLabel;
+
+// The crop screen: the input image with the selection rectangle. The
+// five-way keys move the active corner (small step, growing to the large step
+// while a key repeats), Select switches corners, the left soft key confirms
+// (result 0), the right one leaves (result 1). The screen stays up after it
+// has reported; whoever showed it closes it.
+class ImgSvcCropMgr : public ZKbMainWidget
+{
+    Q_OBJECT
+public:
+    ImgSvcCropMgr(QWidget *canvas, QWidget *parent, const char *name = nullptr, unsigned int flags = 0);
+    ~ImgSvcCropMgr() override;
+
+    ImgSvcCropCtl *getCropCtl() const { return m_ctl; }
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+    void keyReleaseEvent(QKeyEvent *event) override;
+    void showEvent(QShowEvent *event) override;
+
+private slots:
+    void slotConfirm();
+    void slotBack();
+
+private:
+    void updateStatus();
+
+    ImgSvcCropCtl *m_ctl;
+    ImgSvcCropView *m_view;
+    QLabel *m_status;
+    int m_repeat = 0;
+    bool m_reported = false;
+};

@@ -1,0 +1,36 @@
+#pragma once
+#include "ImgSvcPictureView.h"
+#include <QRect>
+#include <vector>
+
+// The picture with the elements placed so far and the one being placed,
+// all in image pixels. The current element is outlined: dashed while it is
+// being chosen, solid while it is being moved.
+class ImgSvcOverlayView : public ImgSvcPictureView
+{
+    Q_OBJECT
+public:
+    explicit ImgSvcOverlayView(QWidget *parent = nullptr);
+    ~ImgSvcOverlayView() override;
+
+    void addPlaced(int element, const QRect &rect);
+    int placedCount() const { return int(m_placed.size()); }
+    // element -1 shows none.
+    void setCurrent(int element, const QRect &rect, bool moving);
+
+protected:
+    void paintMarks(QPainter &painter, const ImgSvcFitMapper &map) override;
+
+private:
+    struct Placed
+    {
+        int element;
+        QRect rect;
+    };
+    static void drawElement(QPainter &painter, int element, const QRectF &at);
+
+    std::vector<Placed> m_placed;
+    int m_current = -1;
+    QRect m_currentRect;
+    bool m_moving = false;
+};

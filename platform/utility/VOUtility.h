@@ -1,0 +1,16 @@
+#pragma once
+#include <string>
+
+class VOUtility
+{
+public:
+    // Reduces (never enlarges) width x height to fit screenWidth x
+    // screenHeight, aspect kept, each side at least 1.
+    static void fitScreen(int &width, int &height, int screenWidth, int screenHeight);
+
+    // A fresh, unique path in dir (which should end in '/'). The file is
+    // created exclusively (as mkstemp does) so that no one else can take the
+    // name; callers that write under the name plus an extension remove the
+    // placeholder too. Empty on failure.
+    static std::string genTempFileName(const std::string &dir);
+};
