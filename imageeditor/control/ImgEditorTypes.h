@@ -1,0 +1,52 @@
+#pragma once
+
+// The editor's modes; STAT_END absorbs every pair the transition table lacks.
+enum ImgEditorState {
+    STAT_MAIN = 0,
+    STAT_CROP = 1,
+    STAT_RESIZE = 2,
+    STAT_ADD_ELEMENT = 3,
+    STAT_STYLE = 4,
+    STAT_SAVE = 5,
+    STAT_END = 6,
+};
+
+// Input symbols: 0-2 are a service's result, 3-11 the menu choices.
+enum ImgEditorEventId {
+    EVT_SVC_DONE = 0,
+    EVT_SVC_BACK = 1,
+    EVT_SVC_SAVE = 2,
+    EVT_ROTATE_LEFT = 3,
+    EVT_ROTATE_RIGHT = 4,
+    EVT_MIRROR_HOR = 5,
+    EVT_MIRROR_VER = 6,
+    EVT_CROP = 7,
+    EVT_RESIZE = 8,
+    EVT_STYLE = 9,
+    EVT_ADD_ELEMENT = 10,
+    EVT_CANCEL = 11,
+    EVT_END = 12,
+};
+
+// Follow-up work of a transition. 1-5 equal the id of the service started.
+enum ImgEditorActionId {
+    ACT_NONE = 0,
+    ACT_START_CROP = 1,
+    ACT_START_RESIZE = 2,
+    ACT_START_STYLE = 3,
+    ACT_START_ADD_ELEMENT = 4,
+    ACT_START_SAVE = 5,
+    ACT_SAVE_TO_ORIGINAL = 6,
+    ACT_INVALID = 7,
+};
+
+struct ImgEditorTransition
+{
+    int curStat;
+    int event;
+    int nextStat;
+    int action;
+};
+
+constexpr int IMG_EDITOR_TRANSITION_COUNT = 22;
+extern const ImgEditorTransition IMG_EDITOR_TRANSITION_TABLE[IMG_EDITOR_TRANSITION_COUNT];

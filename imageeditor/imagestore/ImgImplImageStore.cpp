@@ -1,0 +1,241 @@
+#include "ImgImplImageStore.h"
+
+#include "ImgImplShell.h"
+#include "ImgSvcResizeCtl.h"
+#include "MMImageSource.h"
+#include "VOUtility.h"
+#include "ZGlobal.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <cerrno>
+#include <cstdio>
+#include <ctime>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+QString g_workingDir = QStringLiteral("/tmp/.vo_imgeditor/");
+
+QString timeStamp()
+{
+    return QString::number(qint64(time(nullptr)), 10);
+}
+
+// Base name up to the first dot, and everything after it.
+QString baseName(const QString &path) { return QFileInfo(path).fileName().section(QLatin1Char('.'), 0, 0); }
+QString extension(const QString &path)
+{
+    const QString name = QFileInfo(path).fileName();
+    const int dot = name.indexOf(QLatin1Char('.'));
+    return dot < 0 ? QString() : name.mid(dot + 1);
+}
+
+MMImageSource *makeSource(const QString &path)
+{
+    auto *source = new MMImageSource(MMImageSource::SOURCE_FILE);
+    source->setFile(path.toUtf8().toStdString());
+    return source;
+}
+
+bool readSize(const QString &file, qint64 &width, qint64 &height)
+{
+    MMImageSource source(MMImageSource::SOURCE_FILE);
+    source.setFile(file.toUtf8().toStdString());
+    MMImageInfo info;
+    source.getImageInfo(info);
+    // An unreadable image reads as zero-sized.
+    width = info.width;
+    height = info.height;
+    return width > 0 && height > 0;
+}
+
+} // namespace
+
+QString ImgImplImageStore::workingDir() { return g_workingDir; }
+
+void ImgImplImageStore::setWorkingDirForTest(const QString &dir)
+{
+    g_workingDir = dir.endsWith(QLatin1Char('/')) ? dir : dir + QLatin1Char('/');
+}
+
+ImgImplImageStore::ImgImplImageStore(const QString &file)
+    : originalFile(file)
+{
+    if (!prepareWorkingDir())
+        return;
+    createRealCopy();
+    if (isLargeImage(realFile)) {
+        hasPreview = true;
+        createPreview();
+    }
+}
+
+ImgImplImageStore::~ImgImplImageStore()
+{
+    releaseWorkingFiles();
+}
+
+// The directory is shared by every editor and never removed. It must be a
+// real directory of ours, private to us: a symlink or someone else's
+// directory could redirect or expose the copies, so then nothing is copied.
+bool ImgImplImageStore::prepareWorkingDir()
+{
+    QByteArray path = QFile::encodeName(g_workingDir);
+    while (path.size() > 1 && path.endsWith('/'))
+        path.chop(1);
+    struct stat st;
+    if (lstat(path.constData(), &st) != 0) {
+        if (errno != ENOENT)
+            return false;
+        if (mkdir(path.constData(), 0700) != 0 && errno != EEXIST)
+            return false;
+        if (lstat(path.constData(), &st) != 0)
+            return false;
+    }
+    if (!S_ISDIR(st.st_mode) || st.st_uid != geteuid())
+        return false;
+    if ((st.st_mode & 077) != 0 && chmod(path.constData(), 0700) != 0)
+        return false;
+    return true;
+}
+
+// Claims stem + suffix by creating it exclusively; when another store took
+// that name in the same second, "_2", "_3", ... go before the suffix.
+QString ImgImplImageStore::reserveName(const QString &stem, const QString &suffix)
+{
+    for (int n = 1; n < 10000; ++n) {
+        const QString candidate = n == 1 ? stem + suffix : stem + QLatin1Char('_') + QString::number(n) + suffix;
+        const int fd = ::open(QFile::encodeName(candidate).constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+        if (fd >= 0) {
+            ::close(fd);
+            return candidate;
+        }
+        if (errno != EEXIST)
+            break;
+    }
+    return stem + suffix;
+}
+
+void ImgImplImageStore::setImageFile(const QString &file)
+{
+    releaseWorkingFiles();
+    originalFile = file;
+    createRealCopy();
+    if (isLargeImage(realFile)) {
+        hasPreview = true;
+        createPreview();
+    }
+}
+
+void ImgImplImageStore::createRealCopy()
+{
+    const QString stamp = timeStamp();
+    QString base = baseName(originalFile);
+    removeBlanks(base);
+    realFile = reserveName(g_workingDir + QStringLiteral("tempreal_") + base + QLatin1Char('_') + stamp,
+                           QLatin1Char('.') + extension(originalFile));
+    ImgImplShell::run(ImgImplShell::copyCommand(originalFile, realFile));
+    delete realSource;
+    realSource = makeSource(realFile);
+}
+
+void ImgImplImageStore::createPreview()
+{
+    const QString stamp = timeStamp();
+    previewFile = reserveName(g_workingDir + QStringLiteral("smallimg_") + baseName(realFile) + QLatin1Char('_') + stamp,
+                              QLatin1Char('.') + extension(realFile));
+    delete previewSource;
+    previewSource = makeSource(previewFile);
+    makePreviewImage();
+}
+
+void ImgImplImageStore::makePreviewImage()
+{
+    const QRect screen = ZGlobal::getScreenR();
+    const int screenWidth = screen.right() - screen.left() + 1;
+    const int screenHeight = screen.bottom() - screen.top() + 1;
+
+    MMImageInfo info;
+    realSource->getImageInfo(info);
+    const int w0 = info.width;
+    const int h0 = info.height;
+    int w = w0;
+    int h = h0;
+    VOUtility::fitScreen(w, h, screenWidth, screenHeight);
+
+    auto *control = new ImgSvcResizeCtl();
+    control->setInput(realSource);
+    control->setOutput(previewSource);
+    control->setTargetSize(QSize(w, h));
+    control->process();
+    previewScale = float(w > h ? double(w) / double(w0) : double(h) / double(h0));
+    delete control;
+}
+
+MMImageSource *ImgImplImageStore::getTmpSource(int realSize)
+{
+    if (tmpSource)
+        return tmpSource;
+    const bool fromPreview = realSize == 0 && hasPreview;
+    const QString source = fromPreview ? previewFile : realFile;
+    tmpFile = g_workingDir + QStringLiteral("tempsmall_") + baseName(source) + QLatin1Char('.') + extension(source);
+    const QByteArray command = ImgImplShell::copyCommand(source, tmpFile);
+    if (fromPreview) {
+        printf("#####the temp small image name of small image = %s\n", tmpFile.toLatin1().constData());
+        fflush(stdout);
+    }
+    ImgImplShell::run(command);
+    tmpSource = makeSource(tmpFile);
+    return tmpSource;
+}
+
+void ImgImplImageStore::deleteTmpSource()
+{
+    if (!tmpSource)
+        return;
+    QFile::remove(tmpFile);
+    delete tmpSource;
+    tmpSource = nullptr;
+}
+
+void ImgImplImageStore::releaseWorkingFiles()
+{
+    delete realSource;
+    realSource = nullptr;
+    if (!realFile.isEmpty())
+        QFile::remove(realFile);
+    delete previewSource;
+    previewSource = nullptr;
+    delete tmpSource;
+    tmpSource = nullptr;
+    hasPreview = false;
+    if (!previewFile.isEmpty())
+        QFile::remove(previewFile);
+    if (!tmpFile.isEmpty())
+        QFile::remove(tmpFile);
+}
+
+bool ImgImplImageStore::isLargeImage(const QString &file)
+{
+    qint64 w, h;
+    readSize(file, w, h);
+    return w * h >= LargeImagePixels;
+}
+
+bool ImgImplImageStore::isEditableImage(const QString &file)
+{
+    qint64 w, h;
+    readSize(file, w, h);
+    return w > EditableMinSide && h > EditableMinSide && w * h <= LargeImagePixels;
+}
+
+void ImgImplImageStore::removeBlanks(QString &text)
+{
+    int at;
+    while ((at = text.indexOf(QLatin1Char(' '), 0, Qt::CaseSensitive)) >= 0)
+        text.remove(at, 1);
+}

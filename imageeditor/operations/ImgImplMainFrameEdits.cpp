@@ -1,0 +1,311 @@
+#include "ImgImplMainFrame.h"
+
+#include "ImgImplImageStore.h"
+#include "ImgImplMenuEvent.h"
+#include "ImgImplServiceMgr.h"
+#include "ImgImplStatMachine.h"
+#include "ImgSvcCropCtl.h"
+#include "ImgSvcCropMgr.h"
+#include "ImgSvcCtlEvent.h"
+#include "ImgSvcEffectCtl.h"
+#include "ImgSvcEffectMgr.h"
+#include "ImgSvcOverlayCtl.h"
+#include "ImgSvcOverlayMgr.h"
+#include "ImgSvcResizeCtl.h"
+#include "ImgSvcResizeMgr.h"
+#include "ImgSvcSaveMgr.h"
+#include "ImgSvcViewer.h"
+#include "MMCropCommand.h"
+#include "MMEffectCommand.h"
+#include "MMMirrorCommand.h"
+#include "MMOverlayImageCommand.h"
+#include "MMResizeCommand.h"
+#include "MMRotateCommand.h"
+#include "ZOptionsMenu.h"
+#include "ZSoftKey.h"
+
+#include <QFile>
+
+// The edits: quick edits change the preview at once and queue a command;
+// sub-editors run on the tmp copy with the pending commands replayed first,
+// and a confirmed one queues its command and goes on to the save screen. The
+// edited file changes only when the commands are replayed by a save.
+
+namespace {
+constexpr int OPT_ITEM_CANCEL = 9;
+
+MMRect toMMRect(const QRect &r)
+{
+    return MMRect(r.left(), r.top(), r.right() - r.left() + 1, r.bottom() - r.top() + 1);
+}
+} // namespace
+
+void ImgImplMainFrame::setRightKeyText(const char *key, const char *english)
+{
+    softKey->setText(ZSoftKey::RIGHT, QObject::tr(key, english), ZSoftKey::PRIORITY_NORMAL);
+}
+
+void ImgImplMainFrame::markEdited()
+{
+    modified = true;
+    optionsMenu->setItemHide(OPT_ITEM_CANCEL, false);
+    setRightKeyText("TXT_RID_SOFTKEY_APPLY", "Apply");
+}
+
+void ImgImplMainFrame::rotate90Left()
+{
+    viewer->rotate90L();
+    markEdited();
+    auto *command = new MMRotateCommand();
+    command->setDegree(-90);
+    cmdList.push_back(command);
+}
+
+void ImgImplMainFrame::rotate90Right()
+{
+    viewer->rotate90R();
+    markEdited();
+    auto *command = new MMRotateCommand();
+    command->setDegree(90);
+    cmdList.push_back(command);
+}
+
+void ImgImplMainFrame::mirrorHorizontal()
+{
+    viewer->mirrorH();
+    markEdited();
+    auto *command = new MMMirrorCommand();
+    command->setMirrorType(true);
+    cmdList.push_back(command);
+}
+
+void ImgImplMainFrame::mirrorVertical()
+{
+    viewer->mirrorV();
+    markEdited();
+    auto *command = new MMMirrorCommand();
+    command->setMirrorType(false);
+    cmdList.push_back(command);
+}
+
+void ImgImplMainFrame::startCrop()
+{
+    auto *crop = static_cast<ImgSvcCropMgr *>(serviceMgr->getService(SERVICE_CROP));
+    ImgSvcCropCtl *control = crop->getCropCtl();
+    control->setCropMoveStep(1, 15);
+    control->setEventReceiver(this);
+    MMImageSource *tmp = imageStore->getTmpSource(0);
+    serviceMgr->processCmdList(*tmp, *tmp, cmdList);
+    control->setInput(tmp);
+    control->refresh(true);
+    control->setOutput(tmp);
+    const QSize size = control->getInputSize();
+    control->set1stPoint(QPoint(size.width() / 2, size.height() / 2));
+    control->refresh(true);
+    crop->show();
+    crop->activateWindow();
+}
+
+void ImgImplMainFrame::startResize()
+{
+    MMImageSource *tmp = imageStore->getTmpSource(1);
+    serviceMgr->processCmdList(*tmp, *tmp, cmdList);
+    auto *resize = static_cast<ImgSvcResizeMgr *>(serviceMgr->getService(SERVICE_RESIZE));
+    ImgSvcResizeCtl *control = resize->getResizeCtl();
+    control->setEventReceiver(this);
+    control->setInput(tmp);
+    control->setOutput(tmp);
+    resize->launchResizeDlg(control->getInputSize());
+}
+
+void ImgImplMainFrame::startStyle()
+{
+    MMImageSource *tmp = imageStore->getTmpSource(0);
+    serviceMgr->processCmdList(*tmp, *tmp, cmdList);
+    auto *effect = static_cast<ImgSvcEffectMgr *>(serviceMgr->getService(SERVICE_EFFECT));
+    ImgSvcEffectCtl *control = effect->getEffectCtl();
+    control->setEventReceiver(this);
+    control->setInput(tmp);
+    control->refresh(true);
+    control->setOutput(tmp);
+    effect->launchEffectDlg();
+}
+
+void ImgImplMainFrame::startAddElement()
+{
+    MMImageSource *tmp = imageStore->getTmpSource(0);
+    serviceMgr->processCmdList(*tmp, *tmp, cmdList);
+    auto *overlay = static_cast<ImgSvcOverlayMgr *>(serviceMgr->getService(SERVICE_OVERLAY));
+    ImgSvcOverlayCtl *control = overlay->getOverlayCtl();
+    control->setEventReceiver(this);
+    control->setInput(tmp);
+    overlay->setOriginalFile(originalFile);
+    overlay->show();
+    overlay->activateWindow();
+    control->refresh(true);
+    control->setOutput(tmp);
+}
+
+void ImgImplMainFrame::handleMenuEvent(ImgImplMenuEvent *event)
+{
+    const int id = event->getEventId();
+    switch (id) {
+    case EVT_ROTATE_LEFT: rotate90Left(); break;
+    case EVT_ROTATE_RIGHT: rotate90Right(); break;
+    case EVT_MIRROR_HOR: mirrorHorizontal(); break;
+    case EVT_MIRROR_VER: mirrorVertical(); break;
+    case EVT_CROP: startCrop(); break;
+    case EVT_RESIZE: startResize(); break;
+    case EVT_STYLE: startStyle(); break;
+    case EVT_ADD_ELEMENT: startAddElement(); break;
+    case EVT_CANCEL: discardEdits(); break;
+    default: break;
+    }
+    emit sigChangeStat(statMachine->getNextStat(id));
+}
+
+void ImgImplMainFrame::handleCtlEvent(ImgSvcCtlEvent *event)
+{
+    const int result = event->getResult();
+    if (result == EVT_SVC_DONE)
+        onServiceDone(event);
+    else if (result == EVT_SVC_BACK)
+        onServiceBack(event);
+    emit sigChangeStat(statMachine->getNextStat(result));
+}
+
+void ImgImplMainFrame::onServiceDone(ImgSvcCtlEvent *event)
+{
+    const int action = statMachine->getStatAction(EVT_SVC_DONE);
+    if (action == ACT_START_SAVE) {
+        // The save screen is set up from the sub-editor's control before the
+        // sub-editor is closed.
+        startSave(event);
+        appendServiceCommand(event);
+    } else if (action == ACT_SAVE_TO_ORIGINAL) {
+        saveToOriginal();
+        serviceMgr->getSaveMgr()->deleteWaitDlg();
+        enableUserInput();
+    }
+    closeService(event->type());
+}
+
+void ImgImplMainFrame::onServiceBack(ImgSvcCtlEvent *event)
+{
+    if (int(event->type()) == CTL_EVENT_SAVE)
+        saveAsNewFile();
+    else
+        imageStore->deleteTmpSource(); // the next sub-editor starts from a fresh copy
+    closeService(event->type());
+    enableUserInput();
+}
+
+void ImgImplMainFrame::appendServiceCommand(ImgSvcCtlEvent *event)
+{
+    switch (int(event->type())) {
+    case CTL_EVENT_CROP: appendCropCommand(); break;
+    case CTL_EVENT_RESIZE: appendResizeCommand(); break;
+    case CTL_EVENT_OVERLAY: appendOverlayCommands(); break;
+    case CTL_EVENT_EFFECT: appendEffectCommand(); break;
+    default: break;
+    }
+}
+
+void ImgImplMainFrame::appendCropCommand()
+{
+    auto *crop = static_cast<ImgSvcCropMgr *>(serviceMgr->getService(SERVICE_CROP));
+    QRect rect = crop->getCropCtl()->getCropRect();
+    if (imageStore->hasPreview)
+        imageStore->mapToRealRect(rect);
+    auto *command = new MMCropCommand();
+    command->setRect(toMMRect(rect));
+    cmdList.push_back(command);
+}
+
+void ImgImplMainFrame::appendResizeCommand()
+{
+    auto *resize = static_cast<ImgSvcResizeMgr *>(serviceMgr->getService(SERVICE_RESIZE));
+    const QSize target = resize->getResizeCtl()->getTargetSize();
+    auto *command = new MMResizeCommand();
+    command->setTargetSize(MMSize(target.width(), target.height()));
+    cmdList.push_back(command);
+}
+
+void ImgImplMainFrame::appendEffectCommand()
+{
+    auto *effect = static_cast<ImgSvcEffectMgr *>(serviceMgr->getService(SERVICE_EFFECT));
+    auto *command = new MMEffectCommand();
+    command->setEffect(effect->getEffectCtl()->getEffect());
+    cmdList.push_back(command);
+}
+
+void ImgImplMainFrame::appendOverlayCommands()
+{
+    auto *overlay = static_cast<ImgSvcOverlayMgr *>(serviceMgr->getService(SERVICE_OVERLAY));
+    ImgSvcOverlayCtl *control = overlay->getOverlayCtl();
+    const std::list<MMOverlayImageCommand *> placed = control->getCommandList();
+    if (placed.empty())
+        return;
+    // From here on the commands are ours: clearCommands deletes them.
+    control->releaseCommands();
+    for (MMOverlayImageCommand *command : placed) {
+        MMRect rect;
+        MMImageSource image(MMImageSource::ImageSourceType(1));
+        command->getData(rect, image);
+        if (imageStore->hasPreview) {
+            QRect real(QPoint(rect.x, rect.y), QPoint(rect.x + rect.width - 1, rect.y + rect.height - 1));
+            imageStore->mapToRealRect(real);
+            command->setData(toMMRect(real), image);
+        }
+        cmdList.push_back(command);
+    }
+    overlayTmpFiles = overlay->getOverlayTmpFiles();
+}
+
+void ImgImplMainFrame::closeService(int eventType)
+{
+    switch (eventType) {
+    case CTL_EVENT_CROP:
+        static_cast<ImgSvcCropMgr *>(serviceMgr->getService(SERVICE_CROP))->close(false);
+        serviceMgr->removeService(SERVICE_CROP);
+        break;
+    case CTL_EVENT_RESIZE:
+        serviceMgr->removeService(SERVICE_RESIZE);
+        break;
+    case CTL_EVENT_OVERLAY:
+        static_cast<ImgSvcOverlayMgr *>(serviceMgr->getService(SERVICE_OVERLAY))->close(false);
+        serviceMgr->removeService(SERVICE_OVERLAY);
+        break;
+    case CTL_EVENT_SAVE:
+        serviceMgr->getSaveMgr()->close(false);
+        serviceMgr->removeService(SERVICE_SAVE);
+        break;
+    case CTL_EVENT_EFFECT:
+        serviceMgr->removeService(SERVICE_EFFECT);
+        break;
+    default:
+        break;
+    }
+}
+
+void ImgImplMainFrame::clearCommands()
+{
+    if (cmdList.empty())
+        return;
+    for (MMCommand *command : cmdList)
+        delete command;
+    cmdList.clear();
+    for (const QString &file : overlayTmpFiles)
+        QFile::remove(file);
+    overlayTmpFiles.clear();
+}
+
+void ImgImplMainFrame::discardEdits()
+{
+    reloadImage(originalFile);
+    viewer->updateViewer();
+    optionsMenu->setItemHide(OPT_ITEM_CANCEL, true);
+    setRightKeyText("TXT_RID_SOFTKEY_BACK", "Back");
+    modified = false;
+    clearCommands();
+}

@@ -1,0 +1,120 @@
+#include "ImgImplMainFrame.h"
+
+#include "ImgImplImageStore.h"
+#include "ImgImplServiceMgr.h"
+#include "ImgSvcCropCtl.h"
+#include "ImgSvcCropMgr.h"
+#include "ImgSvcCtlEvent.h"
+#include "ImgSvcSaveCtl.h"
+#include "ImgSvcSaveMgr.h"
+#include "MMImageSource.h"
+#include "VOUtility.h"
+#include "ZNoticeDlg.h"
+#include "ZOptionsMenu.h"
+#include "ZSoftKey.h"
+
+#include <QApplication>
+#include <QFile>
+#include <QFileInfo>
+
+#include <unistd.h>
+
+// The save flow: edits reach a file only from the save screen, replayed on
+// the real-size copy so that the written file has full resolution.
+
+namespace {
+constexpr int OPT_ITEM_CANCEL = 9;
+}
+
+void ImgImplMainFrame::startSave(ImgSvcCtlEvent *event)
+{
+    ImgSvcSaveMgr *save = serviceMgr->getSaveMgr();
+    save->setAutoDeleteWaitDlg(false);
+    ImgSvcSaveCtl *control = save->getSaveCtl();
+    control->setEventReceiver(this);
+
+    const int type = event->type();
+    auto previewOrTmp = [this] {
+        return imageStore->hasPreview ? imageStore->getPreviewSource() : imageStore->getTmpSource(1);
+    };
+    if (type == CTL_EVENT_CROP) {
+        auto *crop = static_cast<ImgSvcCropMgr *>(serviceMgr->getService(SERVICE_CROP));
+        QRect rect = crop->getCropCtl()->getCropRect();
+        if (imageStore->hasPreview)
+            imageStore->mapToRealRect(rect);
+        save->setOriginalFileName(originalFile,
+                                  QSize(rect.right() - rect.left() + 1, rect.bottom() - rect.top() + 1));
+        control->setInput(imageStore->getTmpSource(0));
+        control->setOutput(previewOrTmp());
+    } else if (type == CTL_EVENT_RESIZE) {
+        control->setInput(imageStore->getTmpSource(1));
+        control->setOutput(imageStore->getTmpSource(1));
+    } else if (type == CTL_EVENT_OVERLAY || type == CTL_EVENT_EFFECT || type == CTL_EVENT_APPLY) {
+        save->setOriginalFileName(originalFile, QSize(0, 0));
+        control->setInput(imageStore->getTmpSource(0));
+        control->setOutput(previewOrTmp());
+    }
+    control->refresh(true);
+    save->setMainWidgetTitle(QFileInfo(originalFile).fileName());
+    save->show();
+    save->activateWindow();
+}
+
+void ImgImplMainFrame::resetAfterSave()
+{
+    reloadImage(originalFile);
+    optionsMenu->setItemHide(OPT_ITEM_CANCEL, true);
+    setRightKeyText("TXT_RID_SOFTKEY_BACK", "Back");
+    modified = false;
+    clearCommands();
+}
+
+void ImgImplMainFrame::saveToOriginal()
+{
+    MMImageSource *real = imageStore->getRealSource();
+    // A failed replay writes nothing; the edits are dropped all the same.
+    if (real && serviceMgr->processCmdList(*real, *real, cmdList) == 0) {
+        if (imageStore->saveToOriginalFile() != 0)
+            showMemoryFullNotice();
+    }
+    resetAfterSave();
+}
+
+void ImgImplMainFrame::saveAsNewFile()
+{
+    const QString chosen = serviceMgr->getSaveMgr()->getSaveAsFilename();
+    MMImageSource *real = imageStore->getRealSource();
+    if (!chosen.isNull() && real) {
+        const QString extension = QFileInfo(chosen).suffix().trimmed().toLower();
+        const std::string reserved = VOUtility::genTempFileName("/tmp/");
+        if (!reserved.empty()) {
+            const QString tmpPath = QString::fromUtf8(reserved.c_str()) + QLatin1Char('.') + extension;
+            auto *destination = new MMImageSource(MMImageSource::SOURCE_FILE);
+            destination->setFile(tmpPath.toUtf8().toStdString());
+            if (serviceMgr->processCmdList(*real, *destination, cmdList) == 0) {
+                if (!ImgImplImageStore::hasEnoughSpace(tmpPath, chosen))
+                    showMemoryFullNotice();
+                else if (ImgImplImageStore::copyFile(tmpPath, chosen) != 0)
+                    showMemoryFullNotice();
+            }
+            ::unlink(tmpPath.toUtf8().constData());
+            // The name itself was only held so that nobody else could take it.
+            ::unlink(reserved.c_str());
+            delete destination;
+        }
+    }
+    resetAfterSave();
+}
+
+void ImgImplMainFrame::showMemoryFullNotice()
+{
+    const QString text = QApplication::translate(
+        "ImgImplMainFrame",
+        "TXT_RID_INSTRUCTIONALTXT_CURRENTLY_SELECTED_MEMORY_IS_FULL_SELECT_ANOTHER_MEMORY_LOCATION_OR_DELETE_FILES",
+        "Because the currently selected memory is full, you must select another memory location or delete "
+        "files to make room.");
+    auto *notice = new ZNoticeDlg(1, 3000, QString(), text, nullptr, nullptr, true, 0);
+    notice->setTitleIcon(QStringLiteral("error_pop"));
+    notice->exec();
+    delete notice;
+}
