@@ -1,0 +1,438 @@
+#include "ImgEditor5wayBtn.h"
+#include "ImgImplImageStore.h"
+#include "ImgImplInterface.h"
+#include "ImgImplMainFrame.h"
+#include "ImgImplMenuEvent.h"
+#include "ImgImplStatMachine.h"
+#include "ImgSvcLayout.h"
+#include "ImgSvcViewer.h"
+#include "MMImageDecoder.h"
+#include "MMMirrorCommand.h"
+#include "MMRotateCommand.h"
+#include "ZGlobal.h"
+#include "ZOptionsMenu.h"
+#include "ZSoftKey.h"
+#include "editortestutil.h"
+#include "testimages.h"
+
+#include <QProcess>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <QtTest>
+
+#include <sys/mount.h>
+#include <unistd.h>
+
+using namespace testimages;
+using editortest::press;
+using editortest::visibleNotice;
+
+namespace {
+QList<int> rotationDegrees(const ImgImplMainFrame *frame)
+{
+    QList<int> out;
+    for (MMCommand *c : frame->pendingCommands()) {
+        if (auto *r = dynamic_cast<MMRotateCommand *>(c))
+            out << r->getDegree();
+        else if (auto *m = dynamic_cast<MMMirrorCommand *>(c))
+            out << (m->getMirrorType() ? 1000 : 2000);
+    }
+    return out;
+}
+
+// Another process's view of the lock: can it take it right now?
+bool otherProcessCanLock(const QString &file)
+{
+    return QProcess::execute("flock", {"-n", "-x", file, "true"}) == 0;
+}
+} // namespace
+
+class TestMainFrame : public QObject
+{
+    Q_OBJECT
+    QTemporaryDir m_work;
+    QTemporaryDir m_files;
+
+    QString photo(const QString &name, int w = 320, int h = 240)
+    {
+        const QString path = m_files.filePath(name);
+        if (!QFileInfo::exists(path))
+            write(path, w, h, "PNG");
+        return path;
+    }
+
+    static void settle() { QTest::qWait(20); QCoreApplication::processEvents(); }
+
+private slots:
+    void init() { ImgImplImageStore::setWorkingDirForTest(m_work.path()); }
+
+    void cleanup()
+    {
+        ImgImplInterface::releaseImageEditor();
+        while (ZNoticeDlg *n = visibleNotice())
+            n->close();
+    }
+
+    void launchShowsTitleSoftKeysAndPreview()
+    {
+        auto *frame = ImgImplInterface::launchImageEditor(photo("a.png"), nullptr, reinterpret_cast<void *>(0x1));
+        QVERIFY(frame);
+        QVERIFY(frame->isVisible());
+        QCOMPARE(frame->mainWidgetTitle(), QString("Edit"));
+        QCOMPARE(frame->softKeys()->text(ZSoftKey::LEFT), QString("Options"));
+        QCOMPARE(frame->softKeys()->text(ZSoftKey::RIGHT), QString("Back"));
+        QVERIFY(!frame->imageViewer()->displayImage().isNull());
+        QCOMPARE(frame->stateMachine()->currentStat(), STAT_MAIN);
+        QVERIFY(frame->lockDescriptor() >= 0);
+    }
+
+    void largeImageIsShownFromPreview()
+    {
+        auto *frame = ImgImplInterface::launchImageEditor(photo("big.png", 1280, 960), nullptr, nullptr);
+        QVERIFY(frame->store()->hasPreview);
+        QCOMPARE(frame->imageViewer()->getInput(), frame->store()->getPreviewSource());
+        auto *small = ImgImplInterface::launchImageEditor(photo("small.png", 100, 80), nullptr, nullptr);
+        QCOMPARE(small->imageViewer()->getInput(), small->store()->getRealSource());
+        delete frame; // launched twice: the first is no longer the library's
+    }
+
+    void backClosesOnceAndReleaseCleansUp()
+    {
+        const QString file = photo("b.png", 700, 500);
+        const QByteArray before = bytes(file);
+        auto *frame = ImgImplInterface::launchImageEditor(file, nullptr, nullptr);
+        QSignalSpy closed(frame, SIGNAL(sigMeClosed()));
+        press(frame, Qt::Key_Context2);
+        QCOMPARE(closed.count(), 1);
+        QVERIFY(!frame->isVisible());
+        QPointer<QWidget> guard(frame);
+        ImgImplInterface::releaseImageEditor();
+        QVERIFY(guard.isNull());
+        QVERIFY(QDir(m_work.path()).entryList(QDir::Files).isEmpty());
+        QCOMPARE(bytes(file), before);
+        ImgImplInterface::releaseImageEditor(); // nothing open: harmless
+    }
+
+    void menuShowsEightItemsOrSevenForNonEditable_data()
+    {
+        QTest::addColumn<int>("w");
+        QTest::addColumn<int>("h");
+        QTest::addColumn<QList<int>>("visible");
+        QTest::newRow("editable") << 320 << 240 << QList<int>{1, 2, 3, 4, 5, 6, 7, 8};
+        QTest::newRow("too many pixels") << 641 << 480 << QList<int>{1, 2, 3, 4, 5, 6, 8};
+        QTest::newRow("too narrow") << 20 << 300 << QList<int>{1, 2, 3, 4, 5, 6, 8};
+    }
+
+    void menuShowsEightItemsOrSevenForNonEditable()
+    {
+        QFETCH(int, w);
+        QFETCH(int, h);
+        QFETCH(QList<int>, visible);
+        auto *frame = ImgImplInterface::launchImageEditor(photo(QString("m%1x%2.png").arg(w).arg(h), w, h), nullptr, nullptr);
+        ZOptionsMenu *menu = frame->menu();
+        QCOMPARE(menu->visibleItemIds(), visible);
+        QCOMPARE(menu->itemText(1), QString("Rotate 90 left"));
+        QCOMPARE(menu->itemText(8), QString("Style"));
+        QCOMPARE(menu->itemText(9), QString("Cancel"));
+        // Open, the menu lies in the home area above the soft keys.
+        press(frame, Qt::Key_Context1);
+        QVERIFY(menu->isOpen());
+        const QRect home = ZGlobal::getHomeR(false);
+        const QRect bound(home.topLeft(), QSize(home.width(), home.height() - ZGlobal::getCstR().height()));
+        QVERIFY(bound.contains(menu->geometry()));
+    }
+
+    void menuDrivenByKeysOnly()
+    {
+        auto *frame = ImgImplInterface::launchImageEditor(photo("k.png"), nullptr, nullptr);
+        press(frame, Qt::Key_Context1);
+        QVERIFY(frame->menu()->isOpen());
+        QWidget *target = frame->menu();
+        press(target, Qt::Key_Down); // Rotate 90 right
+        press(target, Qt::Key_Select);
+        QVERIFY(!frame->menu()->isOpen());
+        QTRY_COMPARE(rotationDegrees(frame), QList<int>{90});
+        QCOMPARE(frame->softKeys()->text(ZSoftKey::RIGHT), QString("Apply"));
+        QVERIFY(!frame->menu()->isItemHidden(9));
+
+        // Mirror horizontal is the third item, mirror vertical the fourth.
+        press(frame, Qt::Key_Context1);
+        press(frame->menu(), Qt::Key_Down);
+        press(frame->menu(), Qt::Key_Down);
+        press(frame->menu(), Qt::Key_Select);
+        QTRY_COMPARE(rotationDegrees(frame), (QList<int>{90, 1000}));
+
+        // Cancel, now the ninth visible item, drops everything.
+        press(frame, Qt::Key_Context1);
+        for (int i = 0; i < 8; ++i)
+            press(frame->menu(), Qt::Key_Down);
+        QCOMPARE(frame->menu()->currentItemId(), 9);
+        press(frame->menu(), Qt::Key_Select);
+        QTRY_VERIFY(frame->pendingCommands().empty());
+        QCOMPARE(frame->softKeys()->text(ZSoftKey::RIGHT), QString("Back"));
+        QVERIFY(frame->menu()->isItemHidden(9));
+        QVERIFY(!frame->isModified());
+    }
+
+    void menuEventsRunTheirOperation_data()
+    {
+        QTest::addColumn<int>("eventId");
+        QTest::addColumn<QList<int>>("commands");
+        QTest::newRow("rotate left is -90") << int(EVT_ROTATE_LEFT) << QList<int>{-90};
+        QTest::newRow("rotate right is 90") << int(EVT_ROTATE_RIGHT) << QList<int>{90};
+        QTest::newRow("mirror horizontal is true") << int(EVT_MIRROR_HOR) << QList<int>{1000};
+        QTest::newRow("mirror vertical is false") << int(EVT_MIRROR_VER) << QList<int>{2000};
+        QTest::newRow("unknown id runs nothing") << 42 << QList<int>{};
+    }
+
+    void menuEventsRunTheirOperation()
+    {
+        QFETCH(int, eventId);
+        QFETCH(QList<int>, commands);
+        auto *frame = ImgImplInterface::launchImageEditor(photo("e.png"), nullptr, nullptr);
+        QCoreApplication::postEvent(frame, new ImgImplMenuEvent(eventId));
+        settle();
+        QCOMPARE(rotationDegrees(frame), commands);
+        QCOMPARE(frame->isModified(), !commands.isEmpty());
+        // The state follows the table: quick edits stay in main, the rest ends.
+        QCOMPARE(frame->stateMachine()->currentStat(), commands.isEmpty() ? STAT_END : STAT_MAIN);
+    }
+
+    void upAndDownRotateEvenWhileBlocked()
+    {
+        auto *frame = ImgImplInterface::launchImageEditor(photo("u.png", 320, 240), nullptr, nullptr);
+        const QSize shown = frame->imageViewer()->displayImage().size();
+        QVERIFY(QMetaObject::invokeMethod(frame, "disableUserInput", Q_ARG(int, -1)));
+        QVERIFY(!frame->softKeys()->isButtonEnabled(ZSoftKey::LEFT));
+        press(frame, Qt::Key_Up);
+        press(frame, Qt::Key_Up);
+        press(frame, Qt::Key_Down);
+        press(frame, Qt::Key_Left);
+        press(frame, Qt::Key_Right);
+        QCOMPARE(rotationDegrees(frame), (QList<int>{90, 90, -90}));
+        QCOMPARE(frame->imageViewer()->displayImage().size(), shown.transposed());
+        // The blocked right key does not apply.
+        press(frame, Qt::Key_Context2);
+        settle();
+        QCOMPARE(frame->stateMachine()->currentStat(), STAT_MAIN);
+    }
+
+    void gatingArmsOneSingleShotWithFloor_data()
+    {
+        QTest::addColumn<QList<int>>("blocks");
+        QTest::addColumn<int>("interval"); // -1: no running timer
+        QTest::newRow("50 raised to 200") << QList<int>{50} << 200;
+        QTest::newRow("0 raised to 200") << QList<int>{0} << 200;
+        QTest::newRow("2000") << QList<int>{2000} << 2000;
+        QTest::newRow("negative: no timer") << QList<int>{-1} << -1;
+        QTest::newRow("restart keeps the last") << QList<int>{2000, 300} << 300;
+    }
+
+    void gatingArmsOneSingleShotWithFloor()
+    {
+        QFETCH(QList<int>, blocks);
+        QFETCH(int, interval);
+        auto *frame = ImgImplInterface::launchImageEditor(photo("g.png"), nullptr, nullptr);
+        for (int ms : blocks)
+            QVERIFY(QMetaObject::invokeMethod(frame, "disableUserInput", Q_ARG(int, ms)));
+        QVERIFY(!frame->softKeys()->isButtonEnabled(ZSoftKey::LEFT));
+        QVERIFY(!frame->softKeys()->isButtonEnabled(ZSoftKey::RIGHT));
+        QCOMPARE(frame->inputTimer()->isActive(), interval >= 0);
+        if (interval >= 0) {
+            QVERIFY(frame->inputTimer()->isSingleShot());
+            QCOMPARE(frame->inputTimer()->interval(), interval);
+        }
+        QVERIFY(QMetaObject::invokeMethod(frame, "enableUserInput"));
+        QVERIFY(!frame->inputTimer()->isActive());
+        QVERIFY(frame->softKeys()->isButtonEnabled(ZSoftKey::LEFT));
+        QVERIFY(frame->softKeys()->isButtonEnabled(ZSoftKey::RIGHT));
+    }
+
+    void timerReenablesAndIsRecreatedOnDemand()
+    {
+        auto *frame = ImgImplInterface::launchImageEditor(photo("t.png"), nullptr, nullptr);
+        QVERIFY(QMetaObject::invokeMethod(frame, "destroyUserInputEnableTimer"));
+        QVERIFY(!frame->inputTimer());
+        QVERIFY(QMetaObject::invokeMethod(frame, "disableUserInput", Q_ARG(int, 10)));
+        QVERIFY(frame->inputTimer());
+        QTRY_VERIFY_WITH_TIMEOUT(frame->softKeys()->isButtonEnabled(ZSoftKey::RIGHT), 2000);
+        QVERIFY(frame->softKeys()->isButtonEnabled(ZSoftKey::LEFT));
+    }
+
+    void rightKeyWithPendingEditsAppliesAndOpensSave()
+    {
+        auto *frame = ImgImplInterface::launchImageEditor(photo("r.png"), nullptr, nullptr);
+        press(frame, Qt::Key_Up);
+        QSignalSpy closed(frame, SIGNAL(sigMeClosed()));
+        press(frame, Qt::Key_Context2);
+        QVERIFY(!frame->softKeys()->isButtonEnabled(ZSoftKey::RIGHT));
+        QCOMPARE(frame->inputTimer()->interval(), 2000);
+        QTRY_COMPARE(frame->stateMachine()->currentStat(), STAT_SAVE);
+        QCOMPARE(closed.count(), 0);
+        // The tmp copy now holds the rotated picture.
+        QCOMPARE(QImage(frame->store()->tmpFilePath()).size(), QSize(240, 320));
+    }
+
+    void secondEditorOnOneFileIsRefused()
+    {
+        const QString file = photo("lock.png");
+        auto *first = new ImgImplMainFrame(file, nullptr, nullptr, 1);
+        QVERIFY(first->lockDescriptor() >= 0);
+        QVERIFY(!otherProcessCanLock(file));
+
+        auto *second = ImgImplInterface::launchImageEditor(file, nullptr, nullptr);
+        QCOMPARE(second->lockDescriptor(), -1);
+        QSignalSpy closed(second, SIGNAL(sigMeClosed()));
+        QTRY_VERIFY(visibleNotice());
+        QCOMPARE(visibleNotice()->text(),
+                 QString("The file is being edited now, it can not be edited in more instances at one time."));
+        QCOMPARE(closed.count(), 0);
+        press(visibleNotice(), Qt::Key_Select);
+        QTRY_COMPARE(closed.count(), 1);
+        settle();
+        QCOMPARE(closed.count(), 1);
+        ImgImplInterface::releaseImageEditor();
+
+        delete first;
+        QVERIFY(otherProcessCanLock(file));
+        auto *third = ImgImplInterface::launchImageEditor(file, nullptr, nullptr);
+        QVERIFY(third->lockDescriptor() >= 0);
+    }
+
+    void lockHeldByAnotherProcessRefuses()
+    {
+        const QString file = photo("other.png");
+        QProcess holder;
+        holder.start("flock", {"-x", file, "sleep", "20"});
+        QVERIFY(holder.waitForStarted());
+        QTRY_VERIFY(!otherProcessCanLock(file));
+        auto *frame = ImgImplInterface::launchImageEditor(file, nullptr, nullptr);
+        QCOMPARE(frame->lockDescriptor(), -1);
+        QTRY_VERIFY(visibleNotice());
+        holder.kill();
+        holder.waitForFinished();
+    }
+
+    void fileThatCannotBeWrittenIsRefused_data()
+    {
+        QTest::addColumn<QString>("kind");
+        QTest::newRow("missing") << "missing";
+        QTest::newRow("directory") << "directory";
+        QTest::newRow("read-only") << "readonly";
+    }
+
+    void fileThatCannotBeWrittenIsRefused()
+    {
+        QFETCH(QString, kind);
+        QTemporaryDir dir;
+        QString file = dir.filePath("x.png");
+        QString roMount;
+        if (kind == "directory") {
+            QDir().mkdir(file);
+        } else if (kind == "readonly") {
+            QVERIFY(write(file, 64, 48, "PNG"));
+            if (geteuid() == 0) {
+                // Root ignores permission bits: use a read-only bind mount.
+                roMount = dir.filePath("ro");
+                QDir().mkdir(roMount);
+                QVERIFY(mount(QFile::encodeName(dir.path()).constData(), QFile::encodeName(roMount).constData(),
+                              nullptr, MS_BIND, nullptr) == 0);
+                QVERIFY(mount(nullptr, QFile::encodeName(roMount).constData(), nullptr,
+                              MS_BIND | MS_REMOUNT | MS_RDONLY, nullptr) == 0);
+                file = roMount + "/x.png";
+            } else {
+                QFile::setPermissions(file, QFile::ReadOwner);
+            }
+        }
+        const QByteArray before = bytes(file);
+        auto *frame = ImgImplInterface::launchImageEditor(file, nullptr, nullptr);
+        QSignalSpy closed(frame, SIGNAL(sigMeClosed()));
+        QCOMPARE(frame->lockDescriptor(), -1);
+        QTRY_VERIFY(visibleNotice());
+        press(visibleNotice(), Qt::Key_Context2);
+        QTRY_COMPARE(closed.count(), 1);
+        ImgImplInterface::releaseImageEditor();
+        QCOMPARE(bytes(file), before);
+        if (!roMount.isEmpty())
+            umount2(QFile::encodeName(roMount).constData(), MNT_DETACH);
+    }
+
+    void unreadablePictureIsReportedAndCloses_data()
+    {
+        QTest::addColumn<QByteArray>("content");
+        QTest::newRow("zero bytes") << QByteArray();
+        QTest::newRow("not a picture") << QByteArray("hello, this is text");
+        QTest::newRow("truncated jpeg") << QByteArray("cut");
+    }
+
+    void unreadablePictureIsReportedAndCloses()
+    {
+        QFETCH(QByteArray, content);
+        const QString file = m_files.filePath(QString("bad-%1.jpg").arg(QTest::currentDataTag()));
+        if (content == "cut") {
+            QVERIFY(write(file, 800, 600, "JPEG"));
+            const QByteArray whole = bytes(file);
+            content = whole.left(whole.size() / 2);
+        }
+        QVERIFY(writeBytes(file, content));
+        auto *frame = ImgImplInterface::launchImageEditor(file, nullptr, nullptr);
+        QSignalSpy closed(frame, SIGNAL(sigMeClosed()));
+        QTRY_VERIFY(visibleNotice());
+        QVERIFY(visibleNotice()->text().contains("can not be"));
+        press(visibleNotice(), Qt::Key_Select);
+        QTRY_COMPARE(closed.count(), 1);
+        ImgImplInterface::releaseImageEditor();
+        QCOMPARE(bytes(file), content);
+    }
+
+    void lockSurvivesSavesAndDecoderCycles()
+    {
+        const QString file = photo("keep.png");
+        auto *frame = ImgImplInterface::launchImageEditor(file, nullptr, nullptr);
+        QVERIFY(frame->lockDescriptor() >= 0);
+        for (int i = 0; i < 50; ++i)
+            QVERIFY(!MMImageDecoder::decode(file).isNull());
+        // A save writes over the file through the copy command.
+        QCOMPARE(ImgImplImageStore::copyFile(frame->store()->realFilePath(), file), 0);
+        QVERIFY(!otherProcessCanLock(file));
+        auto *second = new ImgImplMainFrame(file, nullptr, nullptr, 1);
+        QCOMPARE(second->lockDescriptor(), -1);
+        delete second;
+    }
+
+    void childProcessDoesNotKeepTheLock()
+    {
+        const QString file = photo("child.png");
+        ImgImplInterface::launchImageEditor(file, nullptr, nullptr);
+        // A process the host starts meanwhile, through the shell as system() does.
+        QCOMPARE(system("sleep 5 >/dev/null 2>&1 &"), 0);
+        ImgImplInterface::releaseImageEditor();
+        QVERIFY(otherProcessCanLock(file));
+    }
+
+    void rotationBarSitsAboveSoftKeysWithEllipticalMask()
+    {
+        auto *frame = ImgImplInterface::launchImageEditor(photo("bar.png"), nullptr, nullptr);
+        ImgEditor5wayBtn *bar = frame->rotationBar();
+        QVERIFY(bar->isVisible());
+        const QSize hint = bar->sizeHint();
+        QCOMPARE(bar->size(), hint);
+        QCOMPARE(bar->x(), int(ImgSvcLayout::layout[0]));
+        const int cstTop = frame->height() - ZGlobal::getCstR().height();
+        QCOMPARE(bar->geometry().bottom() + 1, cstTop - ImgSvcLayout::layout[3]);
+        const QRect pad = bar->getCurr5WayButton();
+        QCOMPARE(bar->mask().boundingRect(), QRect(pad.x(), 6, pad.width(), pad.height()));
+        QCOMPARE(bar->buttonPixmapName(ZMediaController::FiveWayButtons(1), true), QString("mp_vid_rot_90_rt_p_nav"));
+        QCOMPARE(bar->buttonPixmapName(ZMediaController::FiveWayButtons(1), false), QString("mp_vid_rot_90_rt_unp_nav"));
+        QCOMPARE(bar->buttonPixmapName(ZMediaController::FiveWayButtons(3), true), QString("mp_vid_rot_90_lft_p_nav"));
+        QCOMPARE(bar->buttonPixmapName(ZMediaController::FiveWayButtons(3), false), QString("mp_vid_rot_90_lft_unp_nav"));
+        const QMetaObject *mo = bar->metaObject();
+        QCOMPARE(QByteArray(mo->className()), QByteArray("ImgEditor5wayBtn"));
+        QCOMPARE(QByteArray(mo->superClass()->className()), QByteArray("ZMediaController"));
+        QCOMPARE(mo->methodCount(), mo->superClass()->methodCount());
+    }
+};
+
+QTEST_MAIN(TestMainFrame)
+#include "tst_mainframe.moc"
