@@ -94,6 +94,11 @@ void HostKeyScript::step()
     if (s.startsWith(QLatin1String("wait:"))) {
         pause = s.mid(5).toInt();
     } else {
+        // The screen as the first key finds it, then one shot after each key.
+        if (!m_keySent) {
+            m_keySent = true;
+            takeShot();
+        }
         if (s.startsWith(QLatin1String("text:"))) {
             for (const QChar c : s.mid(5))
                 sendKey(Qt::Key_unknown, QString(c));
@@ -101,9 +106,18 @@ void HostKeyScript::step()
             sendKey(keyFromName(s), QString());
         }
         // Let the key's consequences (posted events, repaints) settle first.
-        QTimer::singleShot(qMax(50, m_delay / 2), this, [this] { takeShot(); });
+        ++m_pendingShots;
+        QTimer::singleShot(shotDelay(), this, [this] {
+            takeShot();
+            --m_pendingShots;
+        });
     }
     QTimer::singleShot(pause, this, &HostKeyScript::step);
+}
+
+int HostKeyScript::shotDelay() const
+{
+    return qMax(50, m_delay / 2);
 }
 
 void HostKeyScript::sendKey(int key, const QString &text)

@@ -23,6 +23,9 @@ public:
 
     // Saves the screen as shotDir/NNN.png; returns the path or an empty string.
     QString takeShot();
+    // Screenshots still due, and how long one takes to come due.
+    int pendingShots() const { return m_pendingShots; }
+    int shotDelay() const;
 
 signals:
     void finished();
@@ -39,6 +42,8 @@ private:
     int m_delay;
     QString m_shotDir;
     int m_shotCount = 0;
+    int m_pendingShots = 0;
+    bool m_keySent = false;
     bool m_failed = false;
     QHash<QWidget *, int> m_shownOrder;
     int m_showCounter = 0;

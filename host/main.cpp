@@ -63,10 +63,14 @@ int main(int argc, char *argv[])
     viewer.setFocus();
 
     const bool quitWhenClosed = parser.isSet(quit);
-    if (quitWhenClosed)
-        QObject::connect(&viewer, &HostViewer::editorReleased, &app, &QApplication::quit);
-
     HostKeyScript script(parser.value(keys), parser.value(delay).toInt(), parser.value(shots));
+    if (quitWhenClosed) {
+        QObject::connect(&viewer, &HostViewer::editorReleased, &app, [&] {
+            // Let a screenshot that is still due show the screen first.
+            QTimer::singleShot(script.pendingShots() ? script.shotDelay() + 50 : 0, &app, &QApplication::quit);
+        });
+    }
+
     QString error;
     if (!script.parse(&error)) {
         std::fprintf(stderr, "vo-viewer: %s\n", qPrintable(error));
