@@ -1,0 +1,90 @@
+#include "ZSoftKey.h"
+#include "ZOptionsMenu.h"
+#include "ZSoftKeyButton.h"
+#include <QHBoxLayout>
+#include <QPointer>
+
+ZSoftKey::ZSoftKey(QWidget *parent, const char *name)
+    : QWidget(parent)
+{
+    if (name)
+        setObjectName(QString::fromLatin1(name));
+    setFocusPolicy(Qt::NoFocus);
+    auto *layout = new QHBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    const Qt::Alignment align[2] = {Qt::AlignLeft, Qt::AlignRight};
+    for (int i = 0; i < 2; ++i) {
+        m_buttons[i] = new ZSoftKeyButton(align[i], this);
+        layout->addWidget(m_buttons[i], 1);
+        const KEY_IDX idx = static_cast<KEY_IDX>(i);
+        connect(m_buttons[i], &QPushButton::clicked, this, [this, idx] { press(idx); });
+    }
+}
+
+ZSoftKey::~ZSoftKey() = default;
+
+void ZSoftKey::setText(KEY_IDX idx, const QString &text, TEXT_PRIORITY priority)
+{
+    Q_UNUSED(priority); // one text per key here; the priority only matters with more content than room
+    if (idx != LEFT && idx != RIGHT)
+        return;
+    m_buttons[idx]->setText(text);
+}
+
+QString ZSoftKey::text(KEY_IDX idx) const
+{
+    return (idx == LEFT || idx == RIGHT) ? m_buttons[idx]->text() : QString();
+}
+
+void ZSoftKey::setClickedSlot(KEY_IDX idx, const QObject *receiver, const char *member)
+{
+    if (idx != LEFT && idx != RIGHT)
+        return;
+    // A key has one clicked slot: setting another one replaces it.
+    QObject::disconnect(m_slots[idx]);
+    m_slots[idx] = QMetaObject::Connection();
+    if (!receiver || !member)
+        return;
+    const char *signal = idx == LEFT ? SIGNAL(leftClicked()) : SIGNAL(rightClicked());
+    m_slots[idx] = connect(this, signal, receiver, member);
+}
+
+void ZSoftKey::setOptMenu(KEY_IDX idx, ZOptionsMenu *menu)
+{
+    if (idx == LEFT || idx == RIGHT)
+        m_menus[idx] = menu;
+}
+
+ZOptionsMenu *ZSoftKey::optMenu(KEY_IDX idx) const
+{
+    return (idx == LEFT || idx == RIGHT) ? m_menus[idx].data() : nullptr;
+}
+
+bool ZSoftKey::isButtonEnabled(KEY_IDX idx) const
+{
+    return (idx == LEFT || idx == RIGHT) && m_buttons[idx]->isEnabled();
+}
+
+void ZSoftKey::setButtonEnable(KEY_IDX idx, bool enable)
+{
+    if (idx == LEFT || idx == RIGHT)
+        m_buttons[idx]->setEnabled(enable);
+}
+
+void ZSoftKey::press(KEY_IDX idx)
+{
+    if (!isButtonEnabled(idx))
+        return;
+    if (ZOptionsMenu *menu = m_menus[idx]) {
+        if (menu->isOpen())
+            menu->dismiss();
+        else
+            menu->popup();
+        return;
+    }
+    if (idx == LEFT)
+        emit leftClicked();
+    else
+        emit rightClicked();
+}
