@@ -8,8 +8,10 @@ class QLabel;
 // The crop screen: the input image with the selection rectangle. The
 // five-way keys move the active corner (small step, growing to the large step
 // while a key repeats), Select switches corners, the left soft key confirms
-// (result 0), the right one leaves (result 1). The screen stays up after it
-// has reported; whoever showed it closes it.
+// (result 0), the right one leaves (result 1). The control's steps are in
+// input pixels; on a picture larger than the screen they are raised to one
+// screen pixel (small) and eight (large), so that every press shows. The
+// screen stays up after it has reported; whoever showed it closes it.
 class ImgSvcCropMgr : public ZKbMainWidget
 {
     Q_OBJECT
@@ -29,6 +31,9 @@ private slots:
     void slotBack();
 
 private:
+    // Input pixels under one screen pixel, at least 1.
+    int screenPixel() const;
+    void settle();
     void updateStatus();
 
     ImgSvcCropCtl *m_ctl;

@@ -54,6 +54,7 @@ private:
     void move(const QPoint &dir, bool autoRepeat);
     void place();
     void setMoving(bool moving);
+    void settle();
     void updateView();
 
     ImgSvcOverlayCtl *m_ctl;

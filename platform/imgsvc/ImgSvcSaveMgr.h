@@ -55,6 +55,7 @@ private:
     void reload();
     void showNameEntry(bool show);
     void acceptName();
+    void settle();
     void updateInfo();
 
     ImgSvcSaveCtl *m_ctl;

@@ -1,0 +1,3 @@
+#include "MMCommand.h"
+
+MMCommand::~MMCommand() = default;

@@ -1,0 +1,147 @@
+#include "MMCommandRunner.h"
+#include "MMAtomicFile.h"
+#include "MMCommand.h"
+#include "MMFileFormat.h"
+#include "MMImageDecoder.h"
+#include "MMImageHeader.h"
+#include "MMImageSource.h"
+#include "MMImageWriter.h"
+#include "MMJpegCodec.h"
+#include "MMMetadata.h"
+#include "MMMirrorCommand.h"
+#include "MMRotateCommand.h"
+#include <QFile>
+#include <sys/stat.h>
+
+namespace {
+bool isSameFile(const QString &a, const QString &b)
+{
+    struct stat sa, sb;
+    if (::stat(QFile::encodeName(a).constData(), &sa) != 0 || ::stat(QFile::encodeName(b).constData(), &sb) != 0)
+        return false;
+    return sa.st_dev == sb.st_dev && sa.st_ino == sb.st_ino;
+}
+
+// The single turn or flip that a list of rotations and mirrors amounts to;
+// false when the list holds anything else.
+bool composeGeometry(const std::list<MMCommand *> &commands, MMOrientation &result)
+{
+    MMOrientation total;
+    for (const MMCommand *command : commands) {
+        if (command->type() == MMCommand::CMD_ROTATE) {
+            const int degree = static_cast<const MMRotateCommand *>(command)->getDegree();
+            if (degree % 90 != 0)
+                return false;
+            total = total.then(MMOrientation::rotation(degree));
+        } else if (command->type() == MMCommand::CMD_MIRROR) {
+            total = total.then(MMOrientation::mirror(static_cast<const MMMirrorCommand *>(command)->getMirrorType()));
+        } else {
+            return false;
+        }
+    }
+    result = total;
+    return true;
+}
+
+QByteArray readFile(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return QByteArray();
+    return file.readAll();
+}
+
+// Turns a JPEG by moving its DCT coefficients: no loss, and the markers are
+// kept. -1 when the size does not allow a perfect transform (or the stream
+// will not transform), so the caller decodes instead.
+int runLossless(const QString &in, const QString &out, const MMImageHeader &header, const MMOrientation &edits)
+{
+    const QByteArray source = readFile(in);
+    if (source.isEmpty())
+        return -1;
+    // The stored pixels are first turned upright, then edited.
+    const MMOrientation total = header.orientation().then(edits);
+    const bool progressive = header.jpeg().isProgressive();
+    QByteArray turned = MMJpegCodec::transform(source, total, true, progressive);
+    if (turned.isEmpty())
+        return -1;
+    const QSize size = edits.map(header.uprightSize());
+    const auto picture = [&turned] { return MMMetadata::thumbnailSource(turned); };
+    QByteArray result = MMMetadata::normalize(turned, size, picture);
+    if (result.isEmpty()) {
+        // The copied metadata could not be fixed, and a stale orientation
+        // would turn the picture again: start from a bare stream instead.
+        turned = MMJpegCodec::transform(source, total, false, progressive);
+        if (turned.isEmpty())
+            return -1;
+        result = MMMetadata::transplant(in, turned, size, picture, true);
+        if (result.isEmpty())
+            result = turned;
+    }
+    return MMAtomicFile::write(out, result) == 0 ? 0 : -2;
+}
+
+MMEncodeOptions encodeOptions(const MMImageHeader &header, const QByteArray &format, const QString &in)
+{
+    MMEncodeOptions options;
+    options.format = format;
+    options.metadataSource = in;
+    if (header.format() == MM_FORMAT_JPEG) {
+        const MMJpegHeader &jpeg = header.jpeg();
+        const int quality = jpeg.estimatedQuality();
+        if (quality > 0)
+            options.jpegQuality = quality;
+        options.jpegSubsampling = jpeg.subsampling();
+        options.jpegProgressive = jpeg.isProgressive();
+        // A CMYK profile does not describe the RGB we write.
+        options.keepIccProfile = jpeg.components() == 3 || jpeg.components() == 1;
+    }
+    return options;
+}
+}
+
+int MMCommandRunner::run(const MMImageSource &source, const MMImageSource &destination,
+                         const std::list<MMCommand *> &commands)
+{
+    const QString in = QString::fromStdString(source.getFileName());
+    const QString out = QString::fromStdString(destination.getFileName());
+    if (in.isEmpty() || out.isEmpty())
+        return -1;
+    for (const MMCommand *command : commands) {
+        if (!command)
+            return -1;
+    }
+    const MMImageHeader header = MMImageHeader::read(in);
+    if (!header.isValid())
+        return -1;
+    const QByteArray format = MMFileFormat::forOutput(out, header.qtFormat());
+    const bool sameFormat = format == header.qtFormat();
+
+    MMOrientation edits;
+    const bool geometryOnly = composeGeometry(commands, edits);
+    if (geometryOnly && edits.isIdentity() && sameFormat) {
+        // The picture does not change: keep the file's bytes as they are.
+        if (isSameFile(in, out))
+            return 0;
+        const QByteArray bytes = readFile(in);
+        return bytes.isEmpty() ? -1 : MMAtomicFile::write(out, bytes);
+    }
+    if (geometryOnly && sameFormat && header.format() == MM_FORMAT_JPEG) {
+        const int lossless = runLossless(in, out, header, edits);
+        if (lossless == 0)
+            return 0;
+        if (lossless == -2)
+            return -1; // transformed, but the write failed; a re-encode would fail the same way
+    }
+
+    QImage image = MMImageDecoder::decode(in);
+    if (image.isNull())
+        return -1;
+    if (image.depth() != 32 && image.format() != QImage::Format_Grayscale8)
+        image = image.convertToFormat(image.hasAlphaChannel() ? QImage::Format_ARGB32 : QImage::Format_RGB32);
+    for (const MMCommand *command : commands) {
+        if (command->apply(image) != 0)
+            return -1;
+    }
+    return MMImageWriter::write(image, out, encodeOptions(header, format, in));
+}

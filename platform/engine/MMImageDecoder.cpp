@@ -1,0 +1,88 @@
+#include "MMImageDecoder.h"
+#include "MMImageHeader.h"
+#include "MMJpegCodec.h"
+#include <QFile>
+#include <QImageReader>
+
+namespace {
+// Qt's limit is in megabytes; allow four bytes a pixel at our largest size.
+const int kAllocationLimitMB = int(MMImageDecoder::MaxPixels * 4 / (1024 * 1024)) + 16;
+
+QSize fitWithin(const QSize &size, const QSize &bound)
+{
+    if (size.width() <= bound.width() && size.height() <= bound.height())
+        return size;
+    QSize fitted;
+    if (qint64(size.width()) * bound.height() <= qint64(size.height()) * bound.width())
+        fitted = QSize(int((qint64(size.width()) * bound.height() + size.height() / 2) / size.height()), bound.height());
+    else
+        fitted = QSize(bound.width(), int((qint64(size.height()) * bound.width() + size.width() / 2) / size.width()));
+    return fitted.expandedTo(QSize(1, 1));
+}
+
+// Decodes path upright at uprightTarget, or at full size when that is
+// invalid.
+QImage load(const QString &path, const MMImageHeader &header, const QSize &uprightTarget)
+{
+    if (!header.isValid())
+        return QImage();
+    if (uprightTarget.isValid() && (uprightTarget.isEmpty() || !MMImageHeader::isAcceptableSize(uprightTarget)))
+        return QImage();
+
+    const MMOrientation orientation = header.orientation();
+    const int components = header.jpeg().components();
+    if (header.format() == MM_FORMAT_JPEG && !uprightTarget.isValid() && (components == 1 || components == 3)) {
+        // Full-size pictures are the ones that get saved: decode them where
+        // damage is reported (CMYK is left to Qt, which knows Adobe's
+        // inverted variant).
+        QFile file(path);
+        if (!file.open(QIODevice::ReadOnly))
+            return QImage();
+        const QImage image = MMJpegCodec::decode(file.readAll());
+        if (image.size() != header.storedSize())
+            return QImage();
+        return orientation.apply(image);
+    }
+
+    QImageReader reader(path, header.qtFormat());
+    reader.setAutoTransform(false); // orientation is ours, from the same header the size came from
+    reader.setAllocationLimit(kAllocationLimitMB);
+    reader.setQuality(100); // accurate DCT and smooth scaling in Qt's JPEG reader
+    QSize expected = header.storedSize();
+    const bool scaledRead = uprightTarget.isValid() && reader.supportsOption(QImageIOHandler::ScaledSize);
+    if (scaledRead) {
+        // The reader scales the stored pixels, before any turn.
+        expected = orientation.map(uprightTarget);
+        reader.setScaledSize(expected);
+    }
+    QImage image;
+    if (!reader.read(&image) || image.size() != expected)
+        return QImage();
+    image = orientation.apply(image);
+    if (uprightTarget.isValid() && image.size() != uprightTarget)
+        image = image.scaled(uprightTarget, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    return image;
+}
+}
+
+QImage MMImageDecoder::decode(const QString &path)
+{
+    return load(path, MMImageHeader::read(path), QSize());
+}
+
+QImage MMImageDecoder::decodeFitting(const QString &path, const QSize &bound)
+{
+    if (bound.isEmpty())
+        return QImage();
+    const MMImageHeader header = MMImageHeader::read(path);
+    if (!header.isValid())
+        return QImage();
+    return load(path, header, fitWithin(header.uprightSize(), bound));
+}
+
+QImage MMImageDecoder::decodeScaled(const QString &path, const QSize &size)
+{
+    if (size.isEmpty())
+        return QImage();
+    return load(path, MMImageHeader::read(path), size);
+}

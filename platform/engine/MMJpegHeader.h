@@ -1,0 +1,53 @@
+#pragma once
+#include <QString>
+#include <QtGlobal>
+
+class QIODevice;
+
+// What the markers before a JPEG's first scan say: frame size, components
+// and their sampling, the quantisation tables and the EXIF orientation.
+// Parsed by hand so that nothing is decoded and every length is checked.
+class MMJpegHeader
+{
+public:
+    // Same values as TurboJPEG's TJSAMP_*.
+    enum Subsampling { Sub444 = 0, Sub422, Sub420, SubGray, Sub440, Sub411 };
+
+    // Reads from the start of device up to the first scan. False when it is
+    // not a JPEG stream or its header is damaged.
+    bool read(QIODevice &device);
+    // True when the stream of the file at path runs to its end marker: a
+    // file cut short (an interrupted copy) decodes as grey without an error
+    // in libjpeg, so it must be caught before decoding.
+    static bool isComplete(const QString &path);
+
+    int width() const { return m_width; }
+    int height() const { return m_height; }
+    int components() const { return m_components; }
+    bool isProgressive() const { return m_progressive; }
+    // EXIF orientation of the stored pixels, 1 to 8 (1 when absent or odd).
+    int orientation() const { return m_orientation; }
+    Subsampling subsampling() const;
+    // The IJG quality (1..100) whose luminance table is closest to this
+    // file's; -1 when the file has no such table.
+    int estimatedQuality() const;
+
+private:
+    bool readFrame(const QByteArray &payload, bool progressive);
+    bool readQuantTables(const QByteArray &payload);
+    void readExifOrientation(const QByteArray &payload);
+
+    int m_width = 0;
+    int m_height = 0;
+    int m_components = 0;
+    bool m_progressive = false;
+    int m_orientation = 1;
+    bool m_orientationSeen = false;
+    int m_hSampling[4] = {};
+    int m_vSampling[4] = {};
+    int m_quantIndex[4] = {};
+    // Natural (row-major) order.
+    quint16 m_quant[4][64] = {};
+    bool m_quantSeen[4] = {};
+    bool m_quantWide[4] = {};
+};

@@ -1,0 +1,158 @@
+#include "MMMetadata.h"
+#include "MMJpegCodec.h"
+#include <QBuffer>
+#include <QFile>
+#include <QImageReader>
+#include <exiv2/exiv2.hpp>
+#include <mutex>
+
+namespace {
+const QSize kThumbnailBound(160, 160);
+
+void initExiv2()
+{
+    static std::once_flag once;
+    std::call_once(once, [] {
+        // Odd metadata is common in the wild and is not our user's business.
+        Exiv2::LogMsg::setLevel(Exiv2::LogMsg::mute);
+        Exiv2::XmpParser::initialize();
+    });
+}
+
+template <typename Value>
+void setIfPresent(Exiv2::ExifData &data, const char *key, const Value &value)
+{
+    auto it = data.findKey(Exiv2::ExifKey(key));
+    if (it != data.end())
+        *it = value;
+}
+
+void setIfPresent(Exiv2::XmpData &data, const char *key, const std::string &value)
+{
+    auto it = data.findKey(Exiv2::XmpKey(key));
+    if (it != data.end())
+        *it = value;
+}
+
+QByteArray thumbnailJpeg(const QImage &picture)
+{
+    if (picture.isNull())
+        return QByteArray();
+    const QImage small = picture.scaled(kThumbnailBound, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+    return MMJpegCodec::encode(small, 80, MMJpegHeader::Sub420, false);
+}
+
+// Makes the metadata describe an upright picture of the given size.
+void fix(Exiv2::ExifData &exif, Exiv2::XmpData &xmp, const QSize &size, const MMMetadata::PictureSource &picture)
+{
+    const uint32_t w = uint32_t(size.width()), h = uint32_t(size.height());
+    setIfPresent(exif, "Exif.Image.Orientation", uint16_t(1));
+    setIfPresent(exif, "Exif.Photo.PixelXDimension", w);
+    setIfPresent(exif, "Exif.Photo.PixelYDimension", h);
+    setIfPresent(exif, "Exif.Image.ImageWidth", w);
+    setIfPresent(exif, "Exif.Image.ImageLength", h);
+    setIfPresent(xmp, "Xmp.tiff.Orientation", std::string("1"));
+    setIfPresent(xmp, "Xmp.exif.PixelXDimension", std::to_string(w));
+    setIfPresent(xmp, "Xmp.exif.PixelYDimension", std::to_string(h));
+    setIfPresent(xmp, "Xmp.tiff.ImageWidth", std::to_string(w));
+    setIfPresent(xmp, "Xmp.tiff.ImageLength", std::to_string(h));
+
+    // The old thumbnail shows the old picture.
+    Exiv2::ExifThumb thumb(exif);
+    const bool hadThumbnail = thumb.copy().size_ > 0;
+    thumb.erase();
+    if (hadThumbnail) {
+        const QByteArray small = thumbnailJpeg(picture ? picture() : QImage());
+        if (!small.isEmpty())
+            thumb.setJpegThumbnail(reinterpret_cast<const Exiv2::byte *>(small.constData()), small.size());
+    }
+}
+
+QByteArray contents(Exiv2::Image &image)
+{
+    Exiv2::BasicIo &io = image.io();
+    if (io.open() != 0)
+        return QByteArray();
+    const long size = io.size();
+    Exiv2::DataBuf buf = io.read(size);
+    io.close();
+    if (buf.size_ != size)
+        return QByteArray();
+    return QByteArray(reinterpret_cast<const char *>(buf.pData_), int(buf.size_));
+}
+}
+
+QByteArray MMMetadata::transplant(const QString &sourcePath, const QByteArray &jpeg, const QSize &size,
+                                  const PictureSource &picture, bool keepIcc)
+{
+    initExiv2();
+    // An XMP packet Exiv2 cannot write back must not cost the EXIF and the
+    // profile too: the second attempt leaves it out.
+    for (const bool withXmp : { true, false }) {
+        try {
+            auto source = Exiv2::ImageFactory::open(std::string(QFile::encodeName(sourcePath).constData()));
+            if (!source.get())
+                return QByteArray();
+            source->readMetadata();
+            Exiv2::ExifData exif = source->exifData();
+            Exiv2::XmpData xmp = withXmp ? source->xmpData() : Exiv2::XmpData();
+            const bool icc = keepIcc && source->iccProfileDefined();
+            const std::string comment = source->comment();
+            if (exif.empty() && xmp.empty() && !icc && comment.empty())
+                return jpeg;
+
+            auto target = Exiv2::ImageFactory::open(reinterpret_cast<const Exiv2::byte *>(jpeg.constData()),
+                                                    jpeg.size());
+            if (!target.get())
+                return QByteArray();
+            target->readMetadata();
+            fix(exif, xmp, size, picture);
+            target->setExifData(exif);
+            target->setXmpData(xmp);
+            if (icc)
+                target->setIccProfile(*source->iccProfile(), false);
+            if (!comment.empty())
+                target->setComment(comment);
+            target->writeMetadata();
+            return contents(*target);
+        } catch (...) {
+        }
+    }
+    return QByteArray();
+}
+
+QByteArray MMMetadata::normalize(const QByteArray &jpeg, const QSize &size, const PictureSource &picture)
+{
+    initExiv2();
+    try {
+        auto image = Exiv2::ImageFactory::open(reinterpret_cast<const Exiv2::byte *>(jpeg.constData()), jpeg.size());
+        if (!image.get())
+            return QByteArray();
+        image->readMetadata();
+        Exiv2::ExifData exif = image->exifData();
+        Exiv2::XmpData xmp = image->xmpData();
+        if (exif.empty() && xmp.empty())
+            return jpeg;
+        fix(exif, xmp, size, picture);
+        image->setExifData(exif);
+        image->setXmpData(xmp);
+        image->writeMetadata();
+        return contents(*image);
+    } catch (...) {
+        return QByteArray();
+    }
+}
+
+QImage MMMetadata::thumbnailSource(const QByteArray &jpeg)
+{
+    QBuffer buffer;
+    buffer.setData(jpeg);
+    buffer.open(QIODevice::ReadOnly);
+    QImageReader reader(&buffer, "jpeg");
+    reader.setAutoTransform(false);
+    const QSize size = reader.size();
+    if (size.isEmpty())
+        return QImage();
+    reader.setScaledSize(size.scaled(kThumbnailBound, Qt::KeepAspectRatio).expandedTo(QSize(1, 1)));
+    return reader.read();
+}

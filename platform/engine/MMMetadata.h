@@ -1,0 +1,29 @@
+#pragma once
+#include <QByteArray>
+#include <QImage>
+#include <QString>
+#include <functional>
+
+// EXIF, XMP, ICC and comment handling for written JPEG files, through
+// Exiv2. Our pixels are always saved upright, so the orientation becomes 1,
+// the recorded pixel size becomes the saved one, and an embedded thumbnail
+// is redrawn from the new picture (dropped when none is given).
+class MMMetadata
+{
+public:
+    // The saved picture, asked for only when a thumbnail is to be redrawn.
+    using PictureSource = std::function<QImage()>;
+
+    // Copies the metadata of the file at sourcePath into jpeg, a picture of
+    // size. jpeg is returned unchanged when the source carries none; empty
+    // on failure. keepIcc false leaves the colour profile out (a CMYK
+    // profile must not describe RGB output).
+    static QByteArray transplant(const QString &sourcePath, const QByteArray &jpeg, const QSize &size,
+                                 const PictureSource &picture, bool keepIcc);
+    // Fixes, in place, the metadata that jpeg already carries (markers
+    // copied by a lossless transform). Empty on failure.
+    static QByteArray normalize(const QByteArray &jpeg, const QSize &size, const PictureSource &picture);
+    // A small upright copy of a JPEG stream, decoded at reduced scale, for
+    // the thumbnail.
+    static QImage thumbnailSource(const QByteArray &jpeg);
+};

@@ -1,0 +1,10 @@
+#include "MMMirrorCommand.h"
+#include "MMOrientation.h"
+
+int MMMirrorCommand::apply(QImage &image) const
+{
+    if (image.isNull())
+        return -1;
+    image = MMOrientation::mirror(m_horizontal).apply(image);
+    return 0;
+}

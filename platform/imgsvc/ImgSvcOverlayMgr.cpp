@@ -1,0 +1,221 @@
+#include "ImgSvcOverlayMgr.h"
+#include "ImgSvcElementFactory.h"
+#include "ImgSvcKeys.h"
+#include "ImgSvcLayout.h"
+#include "ImgSvcLayoutWidget.h"
+#include "ImgSvcOverlayCtl.h"
+#include "ImgSvcOverlayView.h"
+#include "MMOverlayImageCommand.h"
+#include "ZSoftKey.h"
+#include <QFile>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QVBoxLayout>
+
+ImgSvcOverlayMgr::ImgSvcOverlayMgr(QWidget *parent, const char *name, unsigned int flags)
+    : ZKbMainWidget(parent, name, flags), m_ctl(new ImgSvcOverlayCtl(this))
+{
+    setMainWidgetTitle(tr("Add Elements"));
+
+    // Built inside the screen so that the screen's font applies from the start.
+    auto *content = new ImgSvcLayoutWidget(this);
+    auto *page = new QWidget(content);
+    m_view = new ImgSvcOverlayView(page);
+    m_status = new QLabel(page);
+    m_status->setAlignment(Qt::AlignCenter);
+    const qint16 *l = ImgSvcLayout::layout;
+    m_status->setContentsMargins(l[0], l[2], l[1], l[3]);
+    auto *box = new QVBoxLayout(page);
+    box->setContentsMargins(0, 0, 0, 0);
+    box->setSpacing(0);
+    box->addWidget(m_view, 1);
+    box->addWidget(m_status);
+
+    content->setService(page);
+    setContentWidget(content);
+
+    ZSoftKey *keys = getSoftKey();
+    keys->setClickedSlot(ZSoftKey::LEFT, this, SLOT(slotConfirm()));
+    keys->setClickedSlot(ZSoftKey::RIGHT, this, SLOT(slotBack()));
+    connect(m_ctl, &ImgSvcCtlInterface::inputChanged, this, &ImgSvcOverlayMgr::inputChanged);
+    setMoving(false);
+}
+
+ImgSvcOverlayMgr::~ImgSvcOverlayMgr()
+{
+    // After a confirm the files belong to whoever applies the commands.
+    if (!m_confirmed) {
+        for (const QString &f : m_tmpFiles)
+            QFile::remove(f);
+    }
+}
+
+void ImgSvcOverlayMgr::setOriginalFile(const QString &file)
+{
+    m_originalFile = file;
+}
+
+QRect ImgSvcOverlayMgr::currentRect() const
+{
+    const QSize s = ImgSvcElementFactory::elementSize(m_element, m_imageSize);
+    if (s.isEmpty())
+        return QRect();
+    QRect r(QPoint(0, 0), s);
+    r.moveCenter(m_centre);
+    // Kept whole inside the picture.
+    r.moveLeft(qBound(0, r.left(), m_imageSize.width() - s.width()));
+    r.moveTop(qBound(0, r.top(), m_imageSize.height() - s.height()));
+    return r;
+}
+
+void ImgSvcOverlayMgr::keyPressEvent(QKeyEvent *event)
+{
+    const int key = event->key();
+    if (ImgSvcKeys::isSoftKey(key)) {
+        ZKbMainWidget::keyPressEvent(event);
+        return;
+    }
+    if (m_reported || m_imageSize.isEmpty()) {
+        event->ignore();
+        return;
+    }
+    const QPoint dir = ImgSvcKeys::direction(key);
+    if (m_moving && !dir.isNull()) {
+        move(dir, event->isAutoRepeat());
+    } else if (!m_moving && dir.y() == 0 && dir.x() != 0) {
+        cycle(dir.x());
+    } else if (ImgSvcKeys::isSelect(key) && !event->isAutoRepeat()) {
+        if (m_moving || !ImgSvcElementFactory::isMovable(m_element))
+            place();
+        else
+            setMoving(true);
+    } else {
+        event->ignore();
+    }
+}
+
+void ImgSvcOverlayMgr::keyReleaseEvent(QKeyEvent *event)
+{
+    // An auto-repeating key sends releases too; only the real one ends the run.
+    if (!ImgSvcKeys::direction(event->key()).isNull()) {
+        if (!event->isAutoRepeat())
+            m_repeat = 0;
+        return;
+    }
+    event->ignore();
+}
+
+void ImgSvcOverlayMgr::showEvent(QShowEvent *event)
+{
+    ZKbMainWidget::showEvent(event);
+    setFocus();
+}
+
+void ImgSvcOverlayMgr::slotConfirm()
+{
+    if (m_reported)
+        return;
+    if (m_moving) {
+        place();
+        return;
+    }
+    m_reported = m_confirmed = true;
+    m_ctl->releaseCommands();
+    m_ctl->postResult(0);
+    settle();
+}
+
+void ImgSvcOverlayMgr::slotBack()
+{
+    if (m_reported)
+        return;
+    if (m_moving) {
+        setMoving(false);
+        return;
+    }
+    m_reported = true;
+    m_ctl->postResult(1);
+    settle();
+}
+
+void ImgSvcOverlayMgr::settle()
+{
+    // Reported: the screen waits to be closed and offers nothing more.
+    getSoftKey()->setButtonEnable(ZSoftKey::LEFT, false);
+    getSoftKey()->setButtonEnable(ZSoftKey::RIGHT, false);
+}
+
+void ImgSvcOverlayMgr::inputChanged()
+{
+    m_imageSize = m_ctl->getInputSize();
+    m_centre = QPoint(m_imageSize.width() / 2, m_imageSize.height() / 2);
+    m_view->setPicture(ImgSvcPictureView::decodeForScreen(m_ctl->getInput()), m_imageSize);
+    updateView();
+}
+
+void ImgSvcOverlayMgr::cycle(int delta)
+{
+    const int n = ImgSvcElementFactory::ElementCount;
+    m_element = ((m_element + delta) % n + n) % n;
+    updateView();
+}
+
+void ImgSvcOverlayMgr::move(const QPoint &dir, bool autoRepeat)
+{
+    // Steps in input pixels, scaled to the picture so that a move is
+    // visible on the screen whatever the picture's size.
+    const int shorter = qMin(m_imageSize.width(), m_imageSize.height());
+    const int small = qMax(1, shorter / 60), large = qMax(small, shorter / 8);
+    m_repeat = autoRepeat ? m_repeat + 1 : 0;
+    const int step = ImgSvcKeys::repeatStep(small, large, m_repeat);
+    // Start from where the element is shown, so that a move away from an
+    // edge it was held against takes effect at once.
+    m_centre = currentRect().center() + dir * step;
+    updateView();
+}
+
+void ImgSvcOverlayMgr::place()
+{
+    const QRect r = currentRect();
+    if (r.isEmpty())
+        return;
+    QString file = m_elementFiles.value(m_element);
+    if (file.isEmpty()) {
+        file = ImgSvcElementFactory::writeTempFile(m_element, r.size());
+        if (file.isEmpty()) {
+            m_status->setText(tr("Could not prepare the element."));
+            return;
+        }
+        m_elementFiles.insert(m_element, file);
+        m_tmpFiles.push_back(file);
+    }
+    MMImageSource element(MMImageSource::SOURCE_ELEMENT);
+    element.setFile(file.toStdString());
+    auto *command = new MMOverlayImageCommand;
+    command->setData(MMRect(r.x(), r.y(), r.width(), r.height()), element);
+    m_ctl->addCommand(command);
+    m_view->addPlaced(m_element, r);
+    setMoving(false);
+}
+
+void ImgSvcOverlayMgr::setMoving(bool moving)
+{
+    m_moving = moving;
+    m_repeat = 0;
+    ZSoftKey *keys = getSoftKey();
+    keys->setText(ZSoftKey::LEFT, moving ? tr("Place") : tr("Done"));
+    keys->setText(ZSoftKey::RIGHT, moving ? tr("Cancel") : tr("Back"));
+    updateView();
+}
+
+void ImgSvcOverlayMgr::updateView()
+{
+    m_view->setCurrent(m_imageSize.isEmpty() ? -1 : m_element, currentRect(), m_moving);
+    const QString name = ImgSvcElementFactory::name(m_element);
+    if (m_moving)
+        m_status->setText(tr("Move: arrows   Place: Select"));
+    else if (ImgSvcElementFactory::isMovable(m_element))
+        m_status->setText(tr("< %1 >   Select: move").arg(name));
+    else
+        m_status->setText(tr("< %1 >   Select: add").arg(name));
+}
