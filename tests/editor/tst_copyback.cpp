@@ -54,49 +54,28 @@ private slots:
 
     void mappingDividesByScaleAndTruncates_data()
     {
+        QTest::addColumn<QSize>("image");
         QTest::addColumn<QRect>("preview");
         QTest::addColumn<QRect>("real");
-        // Scale 0.5: a 480x640 picture previewed at 240x320.
+        // 480x640 is previewed at 240x320: scale 0.5.
         QTest::newRow("corner and size scale separately")
-            << QRect(QPoint(10, 20), QPoint(109, 69)) << QRect(20, 40, 200, 100);
-        QTest::newRow("single pixel") << QRect(5, 7, 1, 1) << QRect(10, 14, 2, 2);
-        QTest::newRow("origin") << QRect(0, 0, 240, 320) << QRect(0, 0, 480, 640);
+            << QSize(480, 640) << QRect(QPoint(10, 20), QPoint(109, 69)) << QRect(20, 40, 200, 100);
+        QTest::newRow("single pixel") << QSize(480, 640) << QRect(5, 7, 1, 1) << QRect(10, 14, 2, 2);
+        // 700x700 at 240x240: 2.9 and 8.75 truncate toward zero.
+        QTest::newRow("truncates") << QSize(700, 700) << QRect(QPoint(1, 1), QPoint(3, 3)) << QRect(2, 2, 8, 8);
+        QTest::newRow("no preview, unchanged") << QSize(100, 80) << QRect(10, 20, 100, 50) << QRect(10, 20, 100, 50);
     }
 
     void mappingDividesByScaleAndTruncates()
     {
+        QFETCH(QSize, image);
         QFETCH(QRect, preview);
         QFETCH(QRect, real);
-        QVERIFY(write(m_files.filePath("m.png"), 480, 640, "PNG"));
-        ImgImplImageStore store(m_files.filePath("m.png"));
-        QCOMPARE(store.getPreviewScale(), 0.5f);
+        const QString path = m_files.filePath(QString("m%1.png").arg(image.width()));
+        QVERIFY(write(path, image.width(), image.height(), "PNG"));
+        ImgImplImageStore store(path);
         store.mapToRealRect(preview);
         QCOMPARE(preview, real);
-    }
-
-    void mappingTruncatesTowardZero()
-    {
-        // 700x700 previewed at 240x240: scale 0.342857...
-        QVERIFY(write(m_files.filePath("t.png"), 700, 700, "PNG"));
-        ImgImplImageStore store(m_files.filePath("t.png"));
-        QPoint p(100, 239);
-        store.mapToRealPoint(p);
-        QCOMPARE(p, QPoint(291, 697)); // 291.66 and 697.08, truncated
-        QRect r(QPoint(1, 1), QPoint(3, 3));
-        store.mapToRealRect(r);
-        QCOMPARE(r, QRect(2, 2, 8, 8)); // 2.9 and 8.75 truncated
-    }
-
-    void mappingWithoutPreviewChangesNothing()
-    {
-        QVERIFY(write(m_files.filePath("n.png"), 100, 80, "PNG"));
-        ImgImplImageStore store(m_files.filePath("n.png"));
-        QRect r(QPoint(10, 20), QPoint(109, 69));
-        QPoint p(33, 44);
-        store.mapToRealRect(r);
-        store.mapToRealPoint(p);
-        QCOMPARE(r, QRect(QPoint(10, 20), QPoint(109, 69)));
-        QCOMPARE(p, QPoint(33, 44));
     }
 
     void copyFileReportsExitStatus_data()

@@ -129,25 +129,6 @@ private slots:
         QVERIFY(real);
     }
 
-    void tmpCopyWithoutPreviewIsTheRealCopy()
-    {
-        QVERIFY(write(file("s.png"), 64, 48, "PNG"));
-        ImgImplImageStore store(file("s.png"));
-        store.getTmpSource(0);
-        QCOMPARE(QFileInfo(store.tmpFilePath()).fileName(), "tempsmall_" + QFileInfo(store.realFilePath()).fileName());
-    }
-
-    void deleteTmpSourceWithoutTmpCopyLeavesFileAlone()
-    {
-        QVERIFY(write(file("d.png"), 64, 48, "PNG"));
-        ImgImplImageStore store(file("d.png"));
-        store.getTmpSource(0);
-        store.deleteTmpSource();
-        QVERIFY(writeBytes(store.tmpFilePath(), "stranger"));
-        store.deleteTmpSource();
-        QVERIFY(QFileInfo::exists(store.tmpFilePath()));
-    }
-
     void destructionRemovesCopiesButNotFileOrDirectory()
     {
         QVERIFY(write(file("r.png"), 640, 480, "PNG"));
@@ -162,19 +143,6 @@ private slots:
         QCOMPARE(bytes(file("r.png")), original);
     }
 
-    void setImageFileStartsOver()
-    {
-        QVERIFY(write(file("one.png"), 640, 480, "PNG"));
-        QVERIFY(write(file("two.png"), 50, 40, "PNG"));
-        ImgImplImageStore store(file("one.png"));
-        store.getTmpSource(0);
-        store.setImageFile(file("two.png"));
-        QVERIFY(!store.hasPreview);
-        QVERIFY(!store.getPreviewSource());
-        QCOMPARE(workingFiles(), QStringList{QFileInfo(store.realFilePath()).fileName()});
-        QCOMPARE(bytes(store.realFilePath()), bytes(file("two.png")));
-    }
-
     void sizeRules_data()
     {
         QTest::addColumn<int>("w");
@@ -186,6 +154,7 @@ private slots:
         QTest::newRow("21x21") << 21 << 21 << false << true;
         QTest::newRow("640x480 both") << 640 << 480 << true << true;
         QTest::newRow("640x479") << 640 << 479 << false << true;
+        QTest::newRow("unreadable counts as zero-sized") << 0 << 0 << false << false;
     }
 
     void sizeRules()
@@ -195,46 +164,9 @@ private slots:
         QFETCH(bool, large);
         QFETCH(bool, editable);
         const QString path = file(QString("size_%1x%2.png").arg(w).arg(h));
-        QVERIFY(write(path, w, h, "PNG"));
+        QVERIFY(w ? write(path, w, h, "PNG") : writeBytes(path, "not a picture"));
         QCOMPARE(ImgImplImageStore::isLargeImage(path), large);
         QCOMPARE(ImgImplImageStore::isEditableImage(path), editable);
-    }
-
-    void unreadableImageCountsAsZeroSized_data()
-    {
-        QTest::addColumn<QByteArray>("content");
-        QTest::newRow("empty") << QByteArray();
-        QTest::newRow("text") << QByteArray("not a picture at all");
-        QTest::newRow("missing") << QByteArray("<missing>");
-    }
-
-    void unreadableImageCountsAsZeroSized()
-    {
-        QFETCH(QByteArray, content);
-        const QString path = file("bad.jpg");
-        QFile::remove(path);
-        if (content != "<missing>")
-            QVERIFY(writeBytes(path, content));
-        QVERIFY(!ImgImplImageStore::isLargeImage(path));
-        QVERIFY(!ImgImplImageStore::isEditableImage(path));
-    }
-
-    void removeBlanksRemovesEveryBlank_data()
-    {
-        QTest::addColumn<QString>("in");
-        QTest::addColumn<QString>("out");
-        QTest::newRow("none") << "abc" << "abc";
-        QTest::newRow("runs and ends") << "  a  b c " << "abc";
-        QTest::newRow("only blanks") << "   " << "";
-        QTest::newRow("tab stays") << "a\tb c" << "a\tbc";
-    }
-
-    void removeBlanksRemovesEveryBlank()
-    {
-        QFETCH(QString, in);
-        QFETCH(QString, out);
-        ImgImplImageStore::removeBlanks(in);
-        QCOMPARE(in, out);
     }
 
     void hostileNamesAreCopiedExactlyAndRunNothing_data()
@@ -295,28 +227,16 @@ private slots:
         QVERIFY(workingFiles().isEmpty());
     }
 
-    void workingDirIsCreatedPrivate()
-    {
-        QTemporaryDir parent;
-        const QString dir = parent.filePath("work/");
-        ImgImplImageStore::setWorkingDirForTest(dir);
-        QVERIFY(write(file("w.png"), 40, 30, "PNG"));
-        ImgImplImageStore store(file("w.png"));
-        QVERIFY(!store.isEmpty());
-        struct stat st;
-        QCOMPARE(stat(QFile::encodeName(dir).constData(), &st), 0);
-        QCOMPARE(int(st.st_mode & 0777), 0700);
-    }
-
-    void unusableWorkingDirLeavesStoreEmpty_data()
+    void workingDirMustBeOurOwnPrivateDir_data()
     {
         QTest::addColumn<QString>("kind");
         QTest::newRow("symlink") << "symlink";
         QTest::newRow("regular file") << "file";
         QTest::newRow("other owner") << "owner";
+        QTest::newRow("created private") << "fresh";
     }
 
-    void unusableWorkingDirLeavesStoreEmpty()
+    void workingDirMustBeOurOwnPrivateDir()
     {
         QFETCH(QString, kind);
         QTemporaryDir parent;
@@ -326,19 +246,24 @@ private slots:
             QVERIFY(QFile::link(elsewhere.path(), dir));
         } else if (kind == "file") {
             QVERIFY(writeBytes(dir, "x"));
-        } else {
+        } else if (kind == "owner") {
             if (geteuid() != 0)
                 QSKIP("needs root to make a directory that belongs to someone else");
             QVERIFY(QDir().mkdir(dir));
             QCOMPARE(chown(QFile::encodeName(dir).constData(), 65534, 65534), 0);
         }
+        const bool usable = kind == "fresh";
         ImgImplImageStore::setWorkingDirForTest(dir + "/");
         QVERIFY(write(file("e.png"), 640, 480, "PNG"));
         ImgImplImageStore store(file("e.png"));
-        QVERIFY(store.isEmpty());
-        QVERIFY(!store.getRealSource());
-        QVERIFY(!store.hasPreview);
+        QCOMPARE(store.isEmpty(), !usable);
+        QCOMPARE(store.hasPreview, usable);
         QVERIFY(QDir(elsewhere.path()).entryList(QDir::Files).isEmpty());
+        if (usable) {
+            struct stat st;
+            QCOMPARE(stat(QFile::encodeName(dir).constData(), &st), 0);
+            QCOMPARE(int(st.st_mode & 0777), 0700);
+        }
     }
 };
 

@@ -107,18 +107,6 @@ private slots:
         driver.set(STAT_SAVE);
         QCOMPARE(machine.getStatAction(EVT_SVC_DONE), int(ACT_SAVE_TO_ORIGINAL));
     }
-
-    void metaObjectHasOnlyTheOnePrivateSlot()
-    {
-        ImgImplStatMachine machine;
-        const QMetaObject *mo = machine.metaObject();
-        QCOMPARE(QByteArray(mo->className()), QByteArray("ImgImplStatMachine"));
-        QCOMPARE(QByteArray(mo->superClass()->className()), QByteArray("QObject"));
-        QCOMPARE(mo->methodCount() - mo->methodOffset(), 1);
-        const QMetaMethod slot = mo->method(mo->methodOffset());
-        QCOMPARE(slot.methodSignature(), QByteArray("slotChangeStat(ImgEditorState)"));
-        QCOMPARE(slot.access(), QMetaMethod::Private);
-    }
 };
 
 QTEST_GUILESS_MAIN(TestStatMachine)
