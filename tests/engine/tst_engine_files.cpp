@@ -4,6 +4,7 @@
 // resident size, which the kernel lets us reset (/proc/self/clear_refs).
 #include "EngineTestTools.h"
 #include "MMCommandRunner.h"
+#include "MMImageScaler.h"
 #include "MMImageDecoder.h"
 #include <QColorSpace>
 #include <QDir>
@@ -21,6 +22,9 @@ private slots:
     void badInputIsRefused_data();
     void badInputIsRefused();
     void bigPhotoHeaderIsReadWithoutDecoding();
+    void bigPhotoPreviewIsDecodedReduced();
+    void oddSourcesEditLikeImageMagick_data();
+    void oddSourcesEditLikeImageMagick();
     void runnerMatchesImageMagick_data();
     void runnerMatchesImageMagick();
 
@@ -118,6 +122,63 @@ void TestEngineFiles::bigPhotoHeaderIsReadWithoutDecoding()
     before = memoryKb("VmRSS:");
     QCOMPARE(MMImageDecoder::decode(file).size(), QSize(6028, 3391));
     QVERIFY(memoryKb("VmHWM:") - before > 64 * 1024);
+}
+
+void TestEngineFiles::bigPhotoPreviewIsDecodedReduced()
+{
+    const QString file = "/usr/share/backgrounds/Kleiber_by_Lukas_Baubkus.jpg";
+    if (!QFile::exists(file))
+        QSKIP("the sample photos in /usr/share/backgrounds are not installed");
+    if (!resetPeakMemory())
+        QSKIP("this kernel does not let a process reset its peak memory");
+    const qint64 before = memoryKb("VmRSS:");
+    QCOMPARE(MMImageScaler::scaleFile(file, path("preview.jpg"), QSize(480, 270)), 0);
+    const qint64 growth = memoryKb("VmHWM:") - before;
+    QCOMPARE(QImage(path("preview.jpg")).size(), QSize(480, 270));
+    // A full-size decode would need over 80 MB; an eighth-scale one about 1.3 MB.
+    QVERIFY2(growth < 24 * 1024, qPrintable(QString("peak grew by %1 kB").arg(growth)));
+}
+
+// Sources that take another decoder path still edit like the reference.
+void TestEngineFiles::oddSourcesEditLikeImageMagick_data()
+{
+    QTest::addColumn<QStringList>("make"); // convert arguments that make the source from photo.png
+    QTest::addColumn<QString>("name");
+    QTest::newRow("progressive jpeg") << QStringList{ "-interlace", "JPEG", "-quality", "92" } << "prog.jpg";
+    QTest::newRow("cmyk jpeg") << QStringList{ "-colorspace", "CMYK", "-quality", "92" } << "cmyk.jpg";
+    QTest::newRow("absurd exif") << QStringList{ "-quality", "92" } << "exif.jpg";
+    QTest::newRow("png with alpha") << QStringList{ "-alpha", "set", "-channel", "A", "-evaluate", "set", "50%" } << "alpha.png";
+}
+
+void TestEngineFiles::oddSourcesEditLikeImageMagick()
+{
+    QFETCH(QStringList, make);
+    QFETCH(QString, name);
+    if (!run("convert", QStringList{ path("photo.png") } + make + QStringList{ path(name) }))
+        QSKIP("ImageMagick is not installed");
+    if (name == "exif.jpg") {
+        // An EXIF block whose IFD offset points far outside it.
+        QByteArray jpeg = bytes(path(name));
+        const QByteArray app1("\xFF\xE1\x00\x16" "Exif\0\0" "II*\0" "\xFF\xFF\xFF\x7F" "\0\0\0\0\0\0", 24);
+        QVERIFY(writeBytes(path(name), jpeg.insert(2, app1)));
+    }
+    CommandList list;
+    parseCommands("r90", list);
+    const QString out = path("out-" + name);
+    QCOMPARE(MMCommandRunner::run(source(path(name)), source(out), list.list), 0);
+    QVERIFY(run("convert", { path(name), "-rotate", "90", path("ref-" + name + ".png") }));
+    const QImage got = QImage(out).convertToFormat(QImage::Format_ARGB32);
+    const QImage ref = QImage(path("ref-" + name + ".png")).convertToFormat(QImage::Format_ARGB32);
+    QCOMPARE(got.size(), ref.size());
+    qint64 diff = 0;
+    for (int y = 0; y < ref.height(); ++y)
+        for (int x = 0; x < ref.width(); ++x) {
+            const QRgb a = got.pixel(x, y), b = ref.pixel(x, y);
+            diff += qAbs(qRed(a) - qRed(b)) + qAbs(qGreen(a) - qGreen(b)) + qAbs(qBlue(a) - qBlue(b)) + qAbs(qAlpha(a) - qAlpha(b));
+        }
+    // Within one re-encode for JPEG; exact for PNG, alpha included.
+    const double mean = double(diff) / (4.0 * ref.width() * ref.height());
+    QVERIFY2(name.endsWith(".png") ? diff == 0 : mean < 4.0, qPrintable(QString("mean difference %1").arg(mean)));
 }
 
 void TestEngineFiles::runnerMatchesImageMagick_data()
