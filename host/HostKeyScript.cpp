@@ -18,7 +18,7 @@ int keyFromName(const QString &name)
     return ok ? key : -1;
 }
 
-QWidget *keyTarget()
+QWidget *keyTarget(const QHash<QWidget *, int> &shownOrder)
 {
     if (QWidget *w = QApplication::activePopupWidget())
         return w;
@@ -28,14 +28,14 @@ QWidget *keyTarget()
         return w;
     if (QWidget *w = QApplication::activeWindow())
         return w;
-    // Without a window manager nothing may be active yet: take the newest
-    // visible window.
-    const QWidgetList all = QApplication::topLevelWidgets();
-    for (int i = all.size() - 1; i >= 0; --i) {
-        if (all.at(i)->isVisible())
-            return all.at(i);
+    // Without a window manager nothing may be active: take the visible
+    // window shown last.
+    QWidget *newest = nullptr;
+    for (QWidget *w : QApplication::topLevelWidgets()) {
+        if (w->isVisible() && (!newest || shownOrder.value(w) > shownOrder.value(newest)))
+            newest = w;
     }
-    return nullptr;
+    return newest;
 }
 } // namespace
 
@@ -122,12 +122,12 @@ int HostKeyScript::shotDelay() const
 
 void HostKeyScript::sendKey(int key, const QString &text)
 {
-    QWidget *target = keyTarget();
+    QWidget *target = keyTarget(m_shownOrder);
     if (!target)
         return;
     QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier, text);
     QApplication::sendEvent(target, &press);
-    target = keyTarget();
+    target = keyTarget(m_shownOrder);
     if (!target)
         return;
     QKeyEvent release(QEvent::KeyRelease, key, Qt::NoModifier, text);

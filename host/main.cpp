@@ -99,6 +99,10 @@ int main(int argc, char *argv[])
         script.start();
 
     const int rc = app.exec();
+    // Leaving with the editor still open: release it, so that its working
+    // copies and overlay files go with it.
+    if (viewer.isEditorOpen())
+        library.release();
     if (script.failed()) {
         std::fprintf(stderr, "vo-viewer: a screenshot could not be saved\n");
         return 1;

@@ -1,4 +1,8 @@
 #include "ZMainWidget.h"
+
+#include <QHideEvent>
+#include <QPointer>
+#include <QShowEvent>
 #include "ZGlobal.h"
 #include "ZResourceTranslator.h"
 #include "ZSoftKey.h"
@@ -36,7 +40,13 @@ ZMainWidget::ZMainWidget(QWidget *parent, const char *name, unsigned int flags)
     relayout();
 }
 
-ZMainWidget::~ZMainWidget() = default;
+ZMainWidget::~ZMainWidget()
+{
+    // Hand the keypad on now: once this part is gone, hiding no longer
+    // reaches our hideEvent.
+    if (isVisible())
+        hide();
+}
 
 void ZMainWidget::setMainWidgetTitle(const QString &title)
 {
@@ -88,6 +98,48 @@ bool ZMainWidget::close(bool alsoDelete)
     if (closed && alsoDelete)
         deleteLater();
     return closed;
+}
+
+namespace {
+// Full-screen windows in the order they were shown, newest last. Like the
+// handset's window manager, the toolkit gives the keypad back to the window
+// below when the top one goes away; without it nothing would have the keys.
+QList<QPointer<ZMainWidget>> &windowStack()
+{
+    static QList<QPointer<ZMainWidget>> stack;
+    return stack;
+}
+} // namespace
+
+void ZMainWidget::showEvent(QShowEvent *event)
+{
+    QWidget::showEvent(event);
+    if (event->spontaneous())
+        return;
+    QList<QPointer<ZMainWidget>> &stack = windowStack();
+    stack.removeAll(QPointer<ZMainWidget>(this));
+    stack.append(this);
+}
+
+void ZMainWidget::hideEvent(QHideEvent *event)
+{
+    QWidget::hideEvent(event);
+    if (event->spontaneous())
+        return;
+    QList<QPointer<ZMainWidget>> &stack = windowStack();
+    const bool wasTop = !stack.isEmpty() && stack.constLast() == this;
+    stack.removeAll(QPointer<ZMainWidget>(this));
+    stack.removeAll(QPointer<ZMainWidget>());
+    if (!wasTop)
+        return;
+    for (int i = stack.size() - 1; i >= 0; --i) {
+        ZMainWidget *below = stack.at(i);
+        if (below->isVisible()) {
+            below->activateWindow();
+            below->setFocus();
+            break;
+        }
+    }
 }
 
 void ZMainWidget::resizeEvent(QResizeEvent *event)
