@@ -1,5 +1,5 @@
 #pragma once
-#include "ZKbMainWidget.h"
+#include "ImgSvcScreen.h"
 
 class ImgSvcCropCtl;
 class ImgSvcCropView;
@@ -12,7 +12,7 @@ class QLabel;
 // input pixels; on a picture larger than the screen they are raised to one
 // screen pixel (small) and eight (large), so that every press shows. The
 // screen stays up after it has reported; whoever showed it closes it.
-class ImgSvcCropMgr : public ZKbMainWidget
+class ImgSvcCropMgr : public ImgSvcScreen
 {
     Q_OBJECT
 public:
@@ -22,23 +22,16 @@ public:
     ImgSvcCropCtl *getCropCtl() const { return m_ctl; }
 
 protected:
-    void keyPressEvent(QKeyEvent *event) override;
-    void keyReleaseEvent(QKeyEvent *event) override;
-    void showEvent(QShowEvent *event) override;
-
-private slots:
-    void slotConfirm();
-    void slotBack();
+    bool keypadKey(QKeyEvent *event) override;
 
 private:
+    void leftSoftKey() override;
+    void rightSoftKey() override;
     // Input pixels under one screen pixel, at least 1.
     int screenPixel() const;
-    void settle();
     void updateStatus();
 
     ImgSvcCropCtl *m_ctl;
     ImgSvcCropView *m_view;
     QLabel *m_status;
-    int m_repeat = 0;
-    bool m_reported = false;
 };

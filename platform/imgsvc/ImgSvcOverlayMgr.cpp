@@ -1,8 +1,6 @@
 #include "ImgSvcOverlayMgr.h"
 #include "ImgSvcElementFactory.h"
 #include "ImgSvcKeys.h"
-#include "ImgSvcLayout.h"
-#include "ImgSvcLayoutWidget.h"
 #include "ImgSvcOverlayCtl.h"
 #include "ImgSvcOverlayView.h"
 #include "MMOverlayImageCommand.h"
@@ -10,33 +8,18 @@
 #include <QFile>
 #include <QKeyEvent>
 #include <QLabel>
-#include <QVBoxLayout>
 
 ImgSvcOverlayMgr::ImgSvcOverlayMgr(QWidget *parent, const char *name, unsigned int flags)
-    : ZKbMainWidget(parent, name, flags), m_ctl(new ImgSvcOverlayCtl(this))
+    : ImgSvcScreen(parent, name, flags), m_ctl(new ImgSvcOverlayCtl(this))
 {
     setMainWidgetTitle(tr("Add Elements"));
 
-    // Built inside the screen so that the screen's font applies from the start.
-    auto *content = new ImgSvcLayoutWidget(this);
-    auto *page = new QWidget(content);
+    auto *page = new QWidget(pageParent());
     m_view = new ImgSvcOverlayView(page);
     m_status = new QLabel(page);
-    m_status->setAlignment(Qt::AlignCenter);
-    const qint16 *l = ImgSvcLayout::layout;
-    m_status->setContentsMargins(l[0], l[2], l[1], l[3]);
-    auto *box = new QVBoxLayout(page);
-    box->setContentsMargins(0, 0, 0, 0);
-    box->setSpacing(0);
-    box->addWidget(m_view, 1);
-    box->addWidget(m_status);
+    layOutPicture(page, m_view, {m_status});
+    setPage(page);
 
-    content->setService(page);
-    setContentWidget(content);
-
-    ZSoftKey *keys = getSoftKey();
-    keys->setClickedSlot(ZSoftKey::LEFT, this, SLOT(slotConfirm()));
-    keys->setClickedSlot(ZSoftKey::RIGHT, this, SLOT(slotBack()));
     connect(m_ctl, &ImgSvcCtlInterface::inputChanged, this, &ImgSvcOverlayMgr::inputChanged);
     setMoving(false);
 }
@@ -68,81 +51,43 @@ QRect ImgSvcOverlayMgr::currentRect() const
     return r;
 }
 
-void ImgSvcOverlayMgr::keyPressEvent(QKeyEvent *event)
+bool ImgSvcOverlayMgr::keypadKey(QKeyEvent *event)
 {
-    const int key = event->key();
-    if (ImgSvcKeys::isSoftKey(key)) {
-        ZKbMainWidget::keyPressEvent(event);
-        return;
-    }
-    if (m_reported || m_imageSize.isEmpty()) {
-        event->ignore();
-        return;
-    }
-    const QPoint dir = ImgSvcKeys::direction(key);
+    if (m_imageSize.isEmpty())
+        return false;
+    const QPoint dir = ImgSvcKeys::direction(event->key());
     if (m_moving && !dir.isNull()) {
-        move(dir, event->isAutoRepeat());
+        move(dir, event);
     } else if (!m_moving && dir.y() == 0 && dir.x() != 0) {
         cycle(dir.x());
-    } else if (ImgSvcKeys::isSelect(key) && !event->isAutoRepeat()) {
+    } else if (ImgSvcKeys::isSelect(event->key()) && !event->isAutoRepeat()) {
         if (m_moving || !ImgSvcElementFactory::isMovable(m_element))
             place();
         else
             setMoving(true);
     } else {
-        event->ignore();
+        return false;
     }
+    return true;
 }
 
-void ImgSvcOverlayMgr::keyReleaseEvent(QKeyEvent *event)
+void ImgSvcOverlayMgr::leftSoftKey()
 {
-    // An auto-repeating key sends releases too; only the real one ends the run.
-    if (!ImgSvcKeys::direction(event->key()).isNull()) {
-        if (!event->isAutoRepeat())
-            m_repeat = 0;
-        return;
-    }
-    event->ignore();
-}
-
-void ImgSvcOverlayMgr::showEvent(QShowEvent *event)
-{
-    ZKbMainWidget::showEvent(event);
-    setFocus();
-}
-
-void ImgSvcOverlayMgr::slotConfirm()
-{
-    if (m_reported)
-        return;
     if (m_moving) {
         place();
         return;
     }
-    m_reported = m_confirmed = true;
+    m_confirmed = true;
     m_ctl->releaseCommands();
-    m_ctl->postResult(0);
-    settle();
+    report(m_ctl, 0);
 }
 
-void ImgSvcOverlayMgr::slotBack()
+void ImgSvcOverlayMgr::rightSoftKey()
 {
-    if (m_reported)
-        return;
-    if (m_moving) {
+    if (m_moving)
         setMoving(false);
-        return;
-    }
-    m_reported = true;
-    m_ctl->postResult(1);
-    settle();
-}
-
-void ImgSvcOverlayMgr::settle()
-{
-    // Reported: the screen waits to be closed and offers nothing more.
-    getSoftKey()->setButtonEnable(ZSoftKey::LEFT, false);
-    getSoftKey()->setButtonEnable(ZSoftKey::RIGHT, false);
+    else
+        report(m_ctl, 1);
 }
 
 void ImgSvcOverlayMgr::inputChanged()
@@ -160,14 +105,13 @@ void ImgSvcOverlayMgr::cycle(int delta)
     updateView();
 }
 
-void ImgSvcOverlayMgr::move(const QPoint &dir, bool autoRepeat)
+void ImgSvcOverlayMgr::move(const QPoint &dir, const QKeyEvent *event)
 {
     // Steps in input pixels, scaled to the picture so that a move is
     // visible on the screen whatever the picture's size.
     const int shorter = qMin(m_imageSize.width(), m_imageSize.height());
     const int small = qMax(1, shorter / 60), large = qMax(small, shorter / 8);
-    m_repeat = autoRepeat ? m_repeat + 1 : 0;
-    const int step = ImgSvcKeys::repeatStep(small, large, m_repeat);
+    const int step = heldStep(event, small, large);
     // Start from where the element is shown, so that a move away from an
     // edge it was held against takes effect at once.
     m_centre = currentRect().center() + dir * step;
@@ -201,7 +145,6 @@ void ImgSvcOverlayMgr::place()
 void ImgSvcOverlayMgr::setMoving(bool moving)
 {
     m_moving = moving;
-    m_repeat = 0;
     ZSoftKey *keys = getSoftKey();
     keys->setText(ZSoftKey::LEFT, moving ? tr("Place") : tr("Done"));
     keys->setText(ZSoftKey::RIGHT, moving ? tr("Cancel") : tr("Back"));

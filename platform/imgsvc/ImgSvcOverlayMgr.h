@@ -1,5 +1,5 @@
 #pragma once
-#include "ZKbMainWidget.h"
+#include "ImgSvcScreen.h"
 #include <QMap>
 #include <QRect>
 #include <vector>
@@ -21,7 +21,7 @@ class QLabel;
 // (small steps, growing while a key repeats), Select or the left soft key
 // ("Place") places it, the right soft key ("Cancel") goes back to choosing.
 // The screen stays up after it has reported; whoever showed it closes it.
-class ImgSvcOverlayMgr : public ZKbMainWidget
+class ImgSvcOverlayMgr : public ImgSvcScreen
 {
     Q_OBJECT
 public:
@@ -40,21 +40,16 @@ public:
     QRect currentRect() const;
 
 protected:
-    void keyPressEvent(QKeyEvent *event) override;
-    void keyReleaseEvent(QKeyEvent *event) override;
-    void showEvent(QShowEvent *event) override;
-
-private slots:
-    void slotConfirm();
-    void slotBack();
+    bool keypadKey(QKeyEvent *event) override;
 
 private:
+    void leftSoftKey() override;
+    void rightSoftKey() override;
     void inputChanged();
     void cycle(int delta);
-    void move(const QPoint &dir, bool autoRepeat);
+    void move(const QPoint &dir, const QKeyEvent *event);
     void place();
     void setMoving(bool moving);
-    void settle();
     void updateView();
 
     ImgSvcOverlayCtl *m_ctl;
@@ -66,8 +61,6 @@ private:
     QSize m_imageSize;
     QPoint m_centre; // of the current element, in input pixels
     int m_element = 0;
-    int m_repeat = 0;
     bool m_moving = false;
     bool m_confirmed = false;
-    bool m_reported = false;
 };

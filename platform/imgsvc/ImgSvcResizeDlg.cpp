@@ -1,11 +1,8 @@
 #include "ImgSvcResizeDlg.h"
-#include "ImgSvcKeys.h"
-#include "ImgSvcLayoutWidget.h"
 #include "ImgSvcResizeCtl.h"
 #include "VOUtility.h"
 #include "ZGlobal.h"
 #include "ZSoftKey.h"
-#include <QKeyEvent>
 #include <QLabel>
 #include <QListWidget>
 #include <QVBoxLayout>
@@ -13,39 +10,20 @@
 #include <cmath>
 
 ImgSvcResizeDlg::ImgSvcResizeDlg(ImgSvcResizeCtl *ctl, const QSize &inputSize, QWidget *parent)
-    : ZKbMainWidget(parent), m_ctl(ctl), m_choices(sizeChoices(inputSize))
+    : ImgSvcListDlg(ctl, tr("Resize"), parent), m_ctl(ctl), m_choices(sizeChoices(inputSize))
 {
-    setMainWidgetTitle(tr("Resize"));
-
-    // Built inside the screen so that the screen's font applies from the start.
-    auto *content = new ImgSvcLayoutWidget(this);
-    auto *page = new QWidget(content);
-    auto *current = new QLabel(tr("Size now: %1 x %2").arg(inputSize.width()).arg(inputSize.height()), page);
-    m_list = new QListWidget(page);
-    m_list->setFocusPolicy(Qt::NoFocus); // the dialog moves the selection itself
+    column()->addWidget(new QLabel(tr("Size now: %1 x %2").arg(inputSize.width()).arg(inputSize.height()), page()));
+    column()->addWidget(list(), 1);
     for (const QSize &s : m_choices)
-        m_list->addItem(tr("%1 x %2").arg(s.width()).arg(s.height()));
-    auto *box = new QVBoxLayout(page);
-    box->setContentsMargins(0, 0, 0, 0);
-    box->addWidget(current);
-    box->addWidget(m_list, 1);
+        list()->addItem(tr("%1 x %2").arg(s.width()).arg(s.height()));
     if (m_choices.isEmpty()) {
-        auto *note = new QLabel(tr("The picture is too small to be made smaller."), page);
+        auto *note = new QLabel(tr("The picture is too small to be made smaller."), page());
         note->setWordWrap(true);
-        box->addWidget(note);
+        column()->addWidget(note);
     } else {
-        m_list->setCurrentRow(0);
+        list()->setCurrentRow(0);
     }
-
-    content->setService(page);
-    setContentWidget(content);
-
-    ZSoftKey *keys = getSoftKey();
-    keys->setText(ZSoftKey::LEFT, tr("Select"));
-    keys->setClickedSlot(ZSoftKey::LEFT, this, SLOT(slotSelect()));
-    keys->setButtonEnable(ZSoftKey::LEFT, !m_choices.isEmpty());
-    keys->setText(ZSoftKey::RIGHT, tr("Back"));
-    keys->setClickedSlot(ZSoftKey::RIGHT, this, SLOT(slotBack()));
+    getSoftKey()->setButtonEnable(ZSoftKey::LEFT, !m_choices.isEmpty());
 }
 
 ImgSvcResizeDlg::~ImgSvcResizeDlg() = default;
@@ -77,50 +55,13 @@ QList<QSize> ImgSvcResizeDlg::sizeChoices(const QSize &inputSize)
 
 int ImgSvcResizeDlg::currentIndex() const
 {
-    return m_list->currentRow();
+    return list()->currentRow();
 }
 
-void ImgSvcResizeDlg::keyPressEvent(QKeyEvent *event)
+bool ImgSvcResizeDlg::take(int row)
 {
-    const int key = event->key();
-    if (ImgSvcKeys::isSoftKey(key)) {
-        ZKbMainWidget::keyPressEvent(event);
-    } else if (ImgSvcKeys::isSelect(key)) {
-        if (!event->isAutoRepeat())
-            slotSelect();
-    } else if ((key == Qt::Key_Up || key == Qt::Key_Down) && !m_choices.isEmpty()) {
-        const int row = qBound(0, m_list->currentRow() + (key == Qt::Key_Up ? -1 : 1), int(m_choices.size()) - 1);
-        m_list->setCurrentRow(row);
-    } else {
-        event->ignore();
-    }
-}
-
-void ImgSvcResizeDlg::showEvent(QShowEvent *event)
-{
-    ZKbMainWidget::showEvent(event);
-    setFocus();
-}
-
-void ImgSvcResizeDlg::slotSelect()
-{
-    const int row = m_list->currentRow();
-    if (m_reported || row < 0 || row >= m_choices.size())
-        return;
+    if (row < 0 || row >= m_choices.size())
+        return false;
     m_ctl->setTargetSize(m_choices.at(row));
-    finish(0);
-}
-
-void ImgSvcResizeDlg::slotBack()
-{
-    finish(1);
-}
-
-void ImgSvcResizeDlg::finish(int result)
-{
-    if (m_reported)
-        return;
-    m_reported = true;
-    m_ctl->postResult(result);
-    close(true);
+    return true;
 }

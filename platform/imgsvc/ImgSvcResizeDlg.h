@@ -1,16 +1,12 @@
 #pragma once
-#include "ZKbMainWidget.h"
+#include "ImgSvcListDlg.h"
 #include <QList>
 #include <QSize>
 
 class ImgSvcResizeCtl;
-class QLabel;
-class QListWidget;
 
-// The full-screen list of target sizes. Up/Down move, Select or the left soft
-// key takes the current size into the control (result 0), the right soft key
-// leaves (result 1); either way the dialog then closes and deletes itself.
-class ImgSvcResizeDlg : public ZKbMainWidget
+// The list of target sizes; taking a row sets the control's target size.
+class ImgSvcResizeDlg : public ImgSvcListDlg
 {
     Q_OBJECT
 public:
@@ -26,18 +22,9 @@ public:
     int currentIndex() const;
 
 protected:
-    void keyPressEvent(QKeyEvent *event) override;
-    void showEvent(QShowEvent *event) override;
-
-private slots:
-    void slotSelect();
-    void slotBack();
+    bool take(int row) override;
 
 private:
-    void finish(int result);
-
-    ImgSvcResizeCtl *m_ctl; // the manager's; the manager deletes this dialog first
+    ImgSvcResizeCtl *m_ctl;
     QList<QSize> m_choices;
-    QListWidget *m_list;
-    bool m_reported = false;
 };

@@ -1,7 +1,6 @@
 #include "ImgSvcSaveMgr.h"
 #include "ImgSvcKeys.h"
 #include "ImgSvcLayout.h"
-#include "ImgSvcLayoutWidget.h"
 #include "ImgSvcPictureView.h"
 #include "ImgSvcSaveCtl.h"
 #include "ImgSvcSaveNamePage.h"
@@ -14,45 +13,27 @@
 #include <QLineEdit>
 #include <QSizePolicy>
 #include <QStackedWidget>
-#include <QVBoxLayout>
 
 ImgSvcSaveMgr::ImgSvcSaveMgr(QWidget *canvas, QWidget *parent, const char *name, unsigned int flags)
-    : ZKbMainWidget(parent, name, flags), m_ctl(new ImgSvcSaveCtl(this))
+    : ImgSvcScreen(parent, name, flags), m_ctl(new ImgSvcSaveCtl(this))
 {
     Q_UNUSED(canvas) // the screen draws its own picture
 
-    // Built inside the screen so that the screen's font applies from the start.
-    auto *content = new ImgSvcLayoutWidget(this);
-    m_pages = new QStackedWidget(content);
+    m_pages = new QStackedWidget(pageParent());
     auto *preview = new QWidget(m_pages);
     m_view = new ImgSvcPictureView(preview);
     m_nameLabel = new QLabel(preview);
     m_sizeLabel = new QLabel(preview);
-    const qint16 *l = ImgSvcLayout::layout;
-    for (QLabel *label : {m_nameLabel, m_sizeLabel}) {
-        label->setAlignment(Qt::AlignCenter);
-        label->setContentsMargins(l[0], l[2], l[1], 0);
-        // A long name is elided rather than widening the screen.
-        label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-    }
-    m_sizeLabel->setContentsMargins(l[0], 0, l[1], l[3]);
-    auto *box = new QVBoxLayout(preview);
-    box->setContentsMargins(0, 0, 0, 0);
-    box->setSpacing(0);
-    box->addWidget(m_view, 1);
-    box->addWidget(m_nameLabel);
-    box->addWidget(m_sizeLabel);
+    // A long name is elided rather than widening the screen.
+    m_nameLabel->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    m_sizeLabel->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    layOutPicture(preview, m_view, {m_nameLabel, m_sizeLabel});
 
     m_namePage = new ImgSvcSaveNamePage(m_pages);
     m_pages->addWidget(preview);
     m_pages->addWidget(m_namePage);
+    setPage(m_pages);
 
-    content->setService(m_pages);
-    setContentWidget(content);
-
-    ZSoftKey *keys = getSoftKey();
-    keys->setClickedSlot(ZSoftKey::LEFT, this, SLOT(slotSave()));
-    keys->setClickedSlot(ZSoftKey::RIGHT, this, SLOT(slotSaveAs()));
     connect(m_ctl, &ImgSvcCtlInterface::inputChanged, this, &ImgSvcSaveMgr::reload);
     showNameEntry(false);
     updateInfo();
@@ -97,26 +78,27 @@ QString ImgSvcSaveMgr::shownSizeText() const
     return m_sizeLabel->isHidden() ? QString() : m_sizeLabel->text();
 }
 
-void ImgSvcSaveMgr::keyPressEvent(QKeyEvent *event)
+bool ImgSvcSaveMgr::keypadKey(QKeyEvent *event)
 {
-    const int key = event->key();
-    if (ImgSvcKeys::isSoftKey(key))
-        ZKbMainWidget::keyPressEvent(event);
-    else if (ImgSvcKeys::isSelect(key) && isNameEntryShown())
-        acceptName();
-    else
-        event->ignore();
+    if (!ImgSvcKeys::isSelect(event->key()) || !isNameEntryShown())
+        return false;
+    acceptName();
+    return true;
+}
+
+void ImgSvcSaveMgr::settle()
+{
+    ImgSvcScreen::settle();
+    m_namePage->lineEdit()->setReadOnly(true);
 }
 
 void ImgSvcSaveMgr::showEvent(QShowEvent *event)
 {
-    ZKbMainWidget::showEvent(event);
+    ImgSvcScreen::showEvent(event);
     // The output may have been rewritten since the last look.
     reload();
     if (isNameEntryShown())
         m_namePage->lineEdit()->setFocus();
-    else
-        setFocus();
 }
 
 void ImgSvcSaveMgr::hideEvent(QHideEvent *event)
@@ -136,15 +118,12 @@ bool ImgSvcSaveMgr::eventFilter(QObject *watched, QEvent *event)
     return ZKbMainWidget::eventFilter(watched, event);
 }
 
-void ImgSvcSaveMgr::slotSave()
+void ImgSvcSaveMgr::leftSoftKey()
 {
-    if (m_reported)
-        return;
     if (isNameEntryShown()) {
         acceptName();
         return;
     }
-    m_reported = true;
     m_wait = new ZPopup(this);
     m_wait->setText(tr("Saving..."));
     m_wait->setTimeout(0);
@@ -153,30 +132,17 @@ void ImgSvcSaveMgr::slotSave()
     if (auto *popupKeys = m_wait->findChild<ZSoftKey *>())
         popupKeys->hide();
     m_wait->show();
-    m_ctl->postResult(0);
-    settle();
+    report(m_ctl, 0);
 }
 
-void ImgSvcSaveMgr::slotSaveAs()
+void ImgSvcSaveMgr::rightSoftKey()
 {
-    if (m_reported)
-        return;
-    if (!isNameEntryShown()) {
+    if (isNameEntryShown()) {
+        m_saveAsName = QString();
+        report(m_ctl, 1);
+    } else {
         showNameEntry(true);
-        return;
     }
-    m_reported = true;
-    m_saveAsName = QString();
-    m_ctl->postResult(1);
-    settle();
-}
-
-void ImgSvcSaveMgr::settle()
-{
-    // Reported: the screen waits to be closed and offers nothing more.
-    getSoftKey()->setButtonEnable(ZSoftKey::LEFT, false);
-    getSoftKey()->setButtonEnable(ZSoftKey::RIGHT, false);
-    m_namePage->lineEdit()->setReadOnly(true);
 }
 
 void ImgSvcSaveMgr::reload()
@@ -204,15 +170,12 @@ void ImgSvcSaveMgr::showNameEntry(bool show)
 
 void ImgSvcSaveMgr::acceptName()
 {
-    if (m_reported)
-        return;
-    const QString path = ImgSvcSaveNamePage::resolve(m_namePage->enteredName(), m_originalFile);
+    // Nothing typed, or a folder: the page stays up.
+    const QString path = m_namePage->chosenPath(m_originalFile);
     if (path.isEmpty())
-        return; // nothing typed: stay in the entry
-    m_reported = true;
+        return;
     m_saveAsName = path;
-    m_ctl->postResult(1);
-    settle();
+    report(m_ctl, 1);
 }
 
 void ImgSvcSaveMgr::updateInfo()

@@ -1,5 +1,5 @@
 #pragma once
-#include "ZKbMainWidget.h"
+#include "ImgSvcScreen.h"
 #include <QImage>
 #include <QPointer>
 #include <QSize>
@@ -15,11 +15,12 @@ class ZPopup;
 // new size. "Save" (left soft key) shows the wait dialog and reports result 0;
 // "Save as" (right soft key) asks for a name and reports result 1, with
 // getSaveAsFilename() the chosen path (a relative name lies beside the
-// original) or a null string when the user backs out of the name entry.
+// original) or a null string when the user backs out of the name entry. A
+// name that stands for a folder is refused on the entry page.
 // The screen reports once and stays up; whoever showed it closes it. While
 // the wait dialog is up it takes no keys: only deleteWaitDlg(), closing the
 // screen (with auto-delete on) or deleting it removes it.
-class ImgSvcSaveMgr : public ZKbMainWidget
+class ImgSvcSaveMgr : public ImgSvcScreen
 {
     Q_OBJECT
 public:
@@ -42,20 +43,18 @@ public:
     QString shownSizeText() const;
 
 protected:
-    void keyPressEvent(QKeyEvent *event) override;
+    bool keypadKey(QKeyEvent *event) override;
+    void settle() override;
     void showEvent(QShowEvent *event) override;
     void hideEvent(QHideEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
 
-private slots:
-    void slotSave();
-    void slotSaveAs();
-
 private:
+    void leftSoftKey() override;
+    void rightSoftKey() override;
     void reload();
     void showNameEntry(bool show);
     void acceptName();
-    void settle();
     void updateInfo();
 
     ImgSvcSaveCtl *m_ctl;
@@ -70,5 +69,4 @@ private:
     QString m_saveAsName;
     bool m_autoDeleteWait = true;
     QPointer<ZPopup> m_wait;
-    bool m_reported = false;
 };

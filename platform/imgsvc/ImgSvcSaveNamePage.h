@@ -1,6 +1,7 @@
 #pragma once
 #include <QWidget>
 
+class QLabel;
 class QLineEdit;
 
 // The name entry of "Save as": a line edit offered with a name derived from
@@ -18,6 +19,12 @@ public:
     void offerNameFor(const QString &original);
     QString enteredName() const;
     QLineEdit *lineEdit() const { return m_edit; }
+    // The path to save to for the entered name (see resolve()); empty when
+    // nothing is typed, or, with a note on the page, when the name stands for
+    // a folder: a copy would land inside it under another name.
+    QString chosenPath(const QString &original);
+    // The note under the edit; empty when none is shown.
+    QString note() const;
 
     // The path the name stands for: a relative name lies in the original's
     // folder; a name without extension gets the original's.
@@ -25,5 +32,9 @@ public:
     static QString suggestedName(const QString &original);
 
 private:
+    static QString beside(const QString &name, const QString &original);
+    void setNote(const QString &text);
+
     QLineEdit *m_edit;
+    QLabel *m_note;
 };

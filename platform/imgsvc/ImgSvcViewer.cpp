@@ -1,20 +1,16 @@
 #include "ImgSvcViewer.h"
-#include "ImgSvcFitMapper.h"
 #include "MMImageDecoder.h"
 #include "MMImageSource.h"
 #include "ZGlobal.h"
-#include <QPainter>
 #include <QResizeEvent>
 #include <QTransform>
 
-ImgSvcViewer::ImgSvcViewer(QWidget *canvas, QWidget *parent, const char *name, unsigned int flags) : QWidget(parent)
+ImgSvcViewer::ImgSvcViewer(QWidget *canvas, QWidget *parent, const char *name, unsigned int flags) : ImgSvcPictureView(parent)
 {
     Q_UNUSED(canvas) // the picture is drawn by this widget itself
     Q_UNUSED(flags)
     if (name)
         setObjectName(QString::fromLatin1(name));
-    setAttribute(Qt::WA_OpaquePaintEvent);
-    setFocusPolicy(Qt::NoFocus);
 }
 
 ImgSvcViewer::~ImgSvcViewer() = default;
@@ -29,7 +25,6 @@ void ImgSvcViewer::createFitWindowImage()
     m_edits.clear();
     const QSize bound = testAttribute(Qt::WA_Resized) && !size().isEmpty() ? size() : ZGlobal::getHomeR(false).size();
     decode(bound);
-    update();
 }
 
 void ImgSvcViewer::updateViewer()
@@ -57,43 +52,31 @@ void ImgSvcViewer::mirrorV()
     applyEdit(Edit::MirrorV);
 }
 
-void ImgSvcViewer::paintEvent(QPaintEvent *event)
-{
-    Q_UNUSED(event)
-    QPainter p(this);
-    p.fillRect(rect(), Qt::black);
-    if (m_display.isNull())
-        return;
-    const ImgSvcFitMapper map(m_display.size(), rect());
-    p.setRenderHint(QPainter::SmoothPixmapTransform);
-    p.drawImage(map.displayRect(), m_display);
-}
-
 void ImgSvcViewer::resizeEvent(QResizeEvent *event)
 {
-    QWidget::resizeEvent(event);
+    ImgSvcPictureView::resizeEvent(event);
     // A window that grew past the decoded picture would show it blurred.
     const QSize s = event->size();
-    if (m_input && !m_display.isNull() && (s.width() > m_bound.width() || s.height() > m_bound.height()))
+    if (m_input && !picture().isNull() && (s.width() > m_bound.width() || s.height() > m_bound.height()))
         decode(s);
 }
 
 void ImgSvcViewer::decode(const QSize &bound)
 {
     m_bound = bound;
-    m_display = QImage();
-    if (!m_input)
-        return;
-    m_display = MMImageDecoder::decodeFitting(QString::fromStdString(m_input->getFileName()), bound);
-    for (Edit e : m_edits)
-        m_display = transformed(m_display, e);
+    QImage shown;
+    if (m_input) {
+        shown = MMImageDecoder::decodeFitting(QString::fromStdString(m_input->getFileName()), bound);
+        for (Edit e : m_edits)
+            shown = transformed(shown, e);
+    }
+    setPicture(shown);
 }
 
 void ImgSvcViewer::applyEdit(Edit edit)
 {
     m_edits.push_back(edit);
-    m_display = transformed(m_display, edit);
-    update();
+    setPicture(transformed(picture(), edit));
 }
 
 QImage ImgSvcViewer::transformed(const QImage &image, Edit edit)

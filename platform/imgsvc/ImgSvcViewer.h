@@ -1,13 +1,10 @@
 #pragma once
-#include <QImage>
-#include <QWidget>
+#include "ImgSvcPictureView.h"
 #include <vector>
-
-class MMImageSource;
 
 // Shows its input image fitted to the widget, centred, aspect kept. The
 // rotations and mirrors change only what is displayed, never the file.
-class ImgSvcViewer : public QWidget
+class ImgSvcViewer : public ImgSvcPictureView
 {
     Q_OBJECT
 public:
@@ -29,10 +26,9 @@ public:
     void mirrorV();
 
     // What is being displayed (after the display-only edits), unscaled.
-    QImage displayImage() const { return m_display; }
+    QImage displayImage() const { return picture(); }
 
 protected:
-    void paintEvent(QPaintEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
 
 private:
@@ -42,7 +38,6 @@ private:
     static QImage transformed(const QImage &image, Edit edit);
 
     MMImageSource *m_input = nullptr;
-    QImage m_display;
     QSize m_bound;            // what the current picture was decoded to fit
     std::vector<Edit> m_edits; // replayed when a resize decodes afresh
 };

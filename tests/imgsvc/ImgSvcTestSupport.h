@@ -1,40 +1,35 @@
 #pragma once
 // Shared by the image-service tests: a receiver that records the reports of
-// the controls, and small generated pictures.
+// the controls, a generated picture, and keypad input.
 #include "ImgSvcCtlEvent.h"
-#include <QColor>
+#include "MMImageSource.h"
 #include <QCoreApplication>
 #include <QImage>
-#include <QList>
-#include <QObject>
 #include <QPainter>
-#include <QString>
 #include <QTest>
+
+using Keys = QList<int>;
+// A control's report: (type, result).
+using Reports = QList<QPoint>;
 
 class ReportRecorder : public QObject
 {
 public:
-    struct Report
+    Reports received;
+    // What has arrived once the posted reports are delivered.
+    Reports delivered()
     {
-        int type;
-        int result;
-        bool operator==(const Report &o) const { return type == o.type && result == o.result; }
-    };
-    QList<Report> reports;
+        QCoreApplication::sendPostedEvents(this);
+        return received;
+    }
 
 protected:
     void customEvent(QEvent *event) override
     {
         if (auto *e = dynamic_cast<ImgSvcCtlEvent *>(event))
-            reports.append({int(e->type()), e->getResult()});
+            received.append(QPoint(e->type(), e->getResult()));
     }
 };
-
-inline QList<ReportRecorder::Report> deliveredReports(ReportRecorder &rec)
-{
-    QCoreApplication::sendPostedEvents(&rec);
-    return rec.reports;
-}
 
 // Four quadrants of distinct colours, so that any turn or flip shows.
 inline QImage quadrantImage(int w, int h)
@@ -48,30 +43,23 @@ inline QImage quadrantImage(int w, int h)
     return img;
 }
 
-inline QString writeImage(const QString &path, const QImage &img)
+inline void writeSource(MMImageSource &source, const QString &path, const QImage &img)
 {
-    return img.save(path) ? path : QString();
+    QVERIFY(img.save(path));
+    source.setFile(path.toStdString());
 }
 
-// Keypad keys, sent the way QTest would but without its ASCII lookup, which
-// asserts on keys that have no character (the soft keys, Select).
-inline void clickKey(QWidget *w, int key)
-{
-    QTest::sendKeyEvent(QTest::Click, w, Qt::Key(key), QString(), Qt::NoModifier);
-}
+// In a Keys list: an auto-repeated press, as the handset sends while a key is held.
+constexpr int Held = 0x40000000;
 
-inline void pressKey(QWidget *w, int key)
+// Sent without QTest's ASCII lookup, which asserts on keys that have no
+// character (the soft keys, Select).
+inline void sendKeys(QWidget *w, const Keys &keys)
 {
-    QTest::sendKeyEvent(QTest::Press, w, Qt::Key(key), QString(), Qt::NoModifier);
-}
-
-inline void releaseKey(QWidget *w, int key)
-{
-    QTest::sendKeyEvent(QTest::Release, w, Qt::Key(key), QString(), Qt::NoModifier);
-}
-
-// A key press the handset sends while a key is held.
-inline void pressRepeated(QWidget *w, Qt::Key key)
-{
-    QTest::simulateEvent(w, true, key, Qt::NoModifier, QString(), true);
+    for (int k : keys) {
+        if (k & Held)
+            QTest::simulateEvent(w, true, k & ~Held, Qt::NoModifier, QString(), true);
+        else
+            QTest::sendKeyEvent(QTest::Click, w, Qt::Key(k), QString(), Qt::NoModifier);
+    }
 }

@@ -1,270 +1,118 @@
 #include "ImgSvcTestSupport.h"
-#include "ImgSvcElementFactory.h"
 #include "ImgSvcOverlayCtl.h"
 #include "ImgSvcOverlayMgr.h"
-#include "MMImageSource.h"
 #include "MMOverlayImageCommand.h"
-#include "ZSoftKey.h"
-#include <QDir>
 #include <QFile>
-#include <QFileInfo>
 #include <QTemporaryDir>
 #include <QtTest>
 #include <memory>
+#include <set>
+
+using Rects = QList<QRect>;
 
 // Counts its instances, to tell who deleted the commands of a session.
-class CountedOverlay : public MMOverlayImageCommand
+struct CountedOverlay : MMOverlayImageCommand
 {
-public:
-    static int alive;
+    static inline int alive = 0;
     CountedOverlay() { ++alive; }
     ~CountedOverlay() override { --alive; }
 };
-int CountedOverlay::alive = 0;
-
-static QRect commandRect(const MMOverlayImageCommand *c, QString *file = nullptr)
-{
-    MMRect r;
-    MMImageSource src;
-    c->getData(r, src);
-    if (file)
-        *file = QString::fromStdString(src.getFileName());
-    return QRect(r.x, r.y, r.width, r.height);
-}
 
 class tst_ImgSvcOverlay : public QObject
 {
     Q_OBJECT
 private slots:
-    void initTestCase();
-    void elementsAreDrawnWithAlpha_data();
-    void elementsAreDrawnWithAlpha();
-    void leftRightCycleTheElements_data();
-    void leftRightCycleTheElements();
-    void moveAndPlaceAStar();
-    void placementsShareElementFiles();
-    void frameCoversThePicture();
-    void heldKeysStopAtTheEdge();
-    void softKeysWhileMoving();
-    void doneHandsCommandsAndFilesOver();
-    void backCleansUp();
+    void initTestCase()
+    {
+        writeSource(m_src, m_dir.filePath("in.png"), quadrantImage(400, 200));
+    }
+
+    void keysPlaceElements_data()
+    {
+        QTest::addColumn<Keys>("keys");
+        QTest::addColumn<Rects>("placed");
+        QTest::addColumn<int>("files");
+        using Qt::Key_Left, Qt::Key_Right, Qt::Key_Up, Qt::Key_Down, Qt::Key_Select;
+        const QRect star(176, 76, 50, 50);
+        QTest::newRow("star moved, then placed") << Keys{Key_Select, Key_Right, Key_Down, Key_Down, Key_Select} << Rects{star.translated(3, 6)} << 1;
+        QTest::newRow("left soft key places") << Keys{Key_Select, Key_Left, Qt::Key_Context1} << Rects{star.translated(-3, 0)} << 1;
+        QTest::newRow("right soft key cancels the move") << Keys{Key_Select, Key_Right, Qt::Key_Context2} << Rects{} << 0;
+        QTest::newRow("up and down do not cycle") << Keys{Key_Up, Key_Select, Key_Down, Key_Select} << Rects{star.translated(0, 3)} << 1;
+        QTest::newRow("one element, one file") << Keys{Key_Select, Key_Left, Key_Select, Key_Select, Key_Up, Key_Select} << Rects{star.translated(-3, 0), star.translated(-3, -3)} << 1;
+        QTest::newRow("another element, another file") << Keys{Key_Select, Key_Select, Key_Right, Key_Select, Key_Select} << Rects{star, star} << 2;
+        QTest::newRow("left wraps to the bubble") << Keys{Key_Left, Key_Select, Key_Select} << Rects{QRect(163, 76, 75, 50)} << 1;
+        QTest::newRow("frame covers the picture at once") << Keys{Key_Right, Key_Right, Key_Select} << Rects{QRect(0, 0, 400, 200)} << 1;
+        QTest::newRow("held keys stop at the edge, one step leaves it")
+            << Keys{Key_Select, Key_Right} + Keys(30, Key_Right | Held) + Keys{Key_Down} + Keys(30, Key_Down | Held) + Keys{Key_Left, Key_Select} << Rects{QRect(347, 150, 50, 50)} << 1;
+    }
+
+    void keysPlaceElements()
+    {
+        QFETCH(Keys, keys);
+        QFETCH(Rects, placed);
+        QFETCH(int, files);
+        ReportRecorder rec;
+        auto mgr = makeMgr(&rec);
+        sendKeys(mgr.get(), keys);
+        Rects rects;
+        std::set<QString> used;
+        for (const MMOverlayImageCommand *c : mgr->getOverlayCtl()->getCommandList()) {
+            MMRect r;
+            MMImageSource element;
+            c->getData(r, element);
+            rects.append(QRect(r.x, r.y, r.width, r.height));
+            const QImage img(*used.insert(QString::fromStdString(element.getFileName())).first);
+            QVERIFY(img.hasAlphaChannel() && img.size() == rects.last().size());
+        }
+        QCOMPARE(rects, placed);
+        const std::vector<QString> tmp = mgr->getOverlayTmpFiles();
+        QCOMPARE(int(tmp.size()), files);
+        QCOMPARE(std::set<QString>(tmp.begin(), tmp.end()), used);
+        QVERIFY(rec.delivered().isEmpty()); // placing decides nothing
+    }
+
+    void ownershipOfCommandsAndFiles_data()
+    {
+        QTest::addColumn<int>("key");
+        QTest::addColumn<int>("result");
+        QTest::newRow("done hands them over") << int(Qt::Key_Context1) << 0;
+        QTest::newRow("back deletes them with the screen") << int(Qt::Key_Context2) << 1;
+    }
+
+    void ownershipOfCommandsAndFiles()
+    {
+        QFETCH(int, key);
+        QFETCH(int, result);
+        ReportRecorder rec;
+        auto mgr = makeMgr(&rec);
+        sendKeys(mgr.get(), {Qt::Key_Select, Qt::Key_Select});
+        mgr->getOverlayCtl()->addCommand(new CountedOverlay);
+        sendKeys(mgr.get(), {key, Qt::Key_Context1, Qt::Key_Context2, Qt::Key_Select});
+        QCOMPARE(rec.delivered(), (Reports{{CTL_EVENT_OVERLAY, result}}));
+        const std::list<MMOverlayImageCommand *> commands = mgr->getOverlayCtl()->getCommandList();
+        const QString file = mgr->getOverlayTmpFiles().at(0);
+        QVERIFY(QFile::exists(file)); // until the screen goes
+        mgr.reset();
+        QCOMPARE(CountedOverlay::alive, 1 - result);
+        QCOMPARE(QFile::exists(file), result == 0);
+        if (result == 0) {
+            for (MMOverlayImageCommand *c : commands)
+                delete c;
+            QFile::remove(file);
+        }
+    }
 
 private:
-    std::unique_ptr<ImgSvcOverlayMgr> makeMgr(ReportRecorder *rec = nullptr);
-    QTemporaryDir m_dir;
-    MMImageSource m_src; // 400 x 200
-};
-
-void tst_ImgSvcOverlay::initTestCase()
-{
-    m_src.setFile(writeImage(m_dir.filePath("in.png"), quadrantImage(400, 200)).toStdString());
-}
-
-std::unique_ptr<ImgSvcOverlayMgr> tst_ImgSvcOverlay::makeMgr(ReportRecorder *rec)
-{
-    auto mgr = std::make_unique<ImgSvcOverlayMgr>();
-    mgr->getOverlayCtl()->setInput(&m_src);
-    mgr->getOverlayCtl()->setEventReceiver(rec);
-    mgr->setOriginalFile(m_dir.filePath("in.png"));
-    return mgr;
-}
-
-void tst_ImgSvcOverlay::elementsAreDrawnWithAlpha_data()
-{
-    QTest::addColumn<int>("element");
-    QTest::addColumn<QSize>("onPicture");
-    QTest::newRow("star") << int(ImgSvcElementFactory::Star) << QSize(50, 50);
-    QTest::newRow("heart") << int(ImgSvcElementFactory::Heart) << QSize(50, 50);
-    QTest::newRow("frame") << int(ImgSvcElementFactory::Frame) << QSize(400, 200);
-    QTest::newRow("date") << int(ImgSvcElementFactory::DateStamp) << QSize(100, 25);
-    QTest::newRow("bubble") << int(ImgSvcElementFactory::Bubble) << QSize(75, 50);
-}
-
-void tst_ImgSvcOverlay::elementsAreDrawnWithAlpha()
-{
-    QFETCH(int, element);
-    QFETCH(QSize, onPicture);
-    QCOMPARE(ImgSvcElementFactory::elementSize(element, QSize(400, 200)), onPicture);
-    QVERIFY(!ImgSvcElementFactory::name(element).isEmpty());
-
-    const QString file = ImgSvcElementFactory::writeTempFile(element, onPicture);
-    QVERIFY(!file.isEmpty());
-    const QFileInfo fi(file);
-    QCOMPARE(fi.suffix(), QStringLiteral("png"));
-    QCOMPARE(fi.absolutePath(), QFileInfo(QDir::tempPath()).absoluteFilePath());
-    QVERIFY(!QFile::exists(fi.path() + '/' + fi.completeBaseName())); // no placeholder left
-    const QImage img(file);
-    QFile::remove(file);
-    QCOMPARE(img.size(), onPicture);
-    QVERIFY(img.hasAlphaChannel());
-    int clear = 0, solid = 0;
-    for (int y = 0; y < img.height(); ++y)
-        for (int x = 0; x < img.width(); ++x) {
-            const int a = qAlpha(img.pixel(x, y));
-            clear += a == 0;
-            solid += a == 255;
-        }
-    QVERIFY(clear > img.width());  // the picture shows around it
-    QVERIFY(solid > img.width() / 2); // and it is there
-}
-
-void tst_ImgSvcOverlay::leftRightCycleTheElements_data()
-{
-    QTest::addColumn<QList<int>>("keys");
-    QTest::addColumn<int>("element");
-    QTest::newRow("start") << QList<int>{} << 0;
-    QTest::newRow("right") << QList<int>{Qt::Key_Right} << 1;
-    QTest::newRow("left wraps") << QList<int>{Qt::Key_Left} << ImgSvcElementFactory::ElementCount - 1;
-    QTest::newRow("right wraps") << QList<int>(ImgSvcElementFactory::ElementCount + 2, Qt::Key_Right) << 2;
-    QTest::newRow("up and down do not cycle") << QList<int>{Qt::Key_Up, Qt::Key_Down} << 0;
-}
-
-void tst_ImgSvcOverlay::leftRightCycleTheElements()
-{
-    QFETCH(QList<int>, keys);
-    QFETCH(int, element);
-    auto mgr = makeMgr();
-    for (int k : keys)
-        clickKey(mgr.get(), k);
-    QCOMPARE(mgr->currentElement(), element);
-    QVERIFY(!mgr->isMoving());
-    QCOMPARE(mgr->currentRect().size(), ImgSvcElementFactory::elementSize(element, QSize(400, 200)));
-    QVERIFY(mgr->getOverlayCtl()->getCommandList().empty());
-}
-
-void tst_ImgSvcOverlay::moveAndPlaceAStar()
-{
-    auto mgr = makeMgr();
-    QCOMPARE(mgr->mainWidgetTitle(), QStringLiteral("Add Elements"));
-    const QRect start = mgr->currentRect();
-    QCOMPARE(start.center(), QPoint(200, 100));
-
-    clickKey(mgr.get(), Qt::Key_Select);
-    QVERIFY(mgr->isMoving());
-    clickKey(mgr.get(), Qt::Key_Right);
-    const int step = mgr->currentRect().x() - start.x();
-    QVERIFY(step > 0);
-    clickKey(mgr.get(), Qt::Key_Down);
-    clickKey(mgr.get(), Qt::Key_Down);
-    const QRect moved = mgr->currentRect();
-    QCOMPARE(moved, start.translated(step, 2 * step));
-    QVERIFY(mgr->getOverlayCtl()->getCommandList().empty()); // nothing placed while moving
-
-    clickKey(mgr.get(), Qt::Key_Select);
-    QVERIFY(!mgr->isMoving());
-    const auto &commands = mgr->getOverlayCtl()->getCommandList();
-    QCOMPARE(commands.size(), size_t(1));
-    QString file;
-    QCOMPARE(commandRect(commands.front(), &file), moved);
-    QCOMPARE(mgr->getOverlayTmpFiles(), std::vector<QString>{file});
-    QCOMPARE(QImage(file).size(), moved.size());
-}
-
-void tst_ImgSvcOverlay::placementsShareElementFiles()
-{
-    auto mgr = makeMgr();
-    for (int k : {Qt::Key_Select, Qt::Key_Left, Qt::Key_Select,     // star, moved left
-                  Qt::Key_Select, Qt::Key_Up, Qt::Key_Select,       // star again, moved up
-                  Qt::Key_Right, Qt::Key_Select, Qt::Key_Select})   // heart where it stands
-        clickKey(mgr.get(), k);
-    const auto &commands = mgr->getOverlayCtl()->getCommandList();
-    QCOMPARE(commands.size(), size_t(3));
-    QString f1, f2, f3;
-    const QRect r1 = commandRect(*commands.begin(), &f1);
-    const QRect r2 = commandRect(*std::next(commands.begin()), &f2);
-    commandRect(commands.back(), &f3);
-    QVERIFY(r2.x() == r1.x() && r2.y() < r1.y()); // in placing order
-    QCOMPARE(f1, f2);
-    QVERIFY(f3 != f1);
-    QCOMPARE(mgr->getOverlayTmpFiles(), (std::vector<QString>{f1, f3}));
-}
-
-void tst_ImgSvcOverlay::frameCoversThePicture()
-{
-    auto mgr = makeMgr();
-    while (mgr->currentElement() != ImgSvcElementFactory::Frame)
-        clickKey(mgr.get(), Qt::Key_Right);
-    clickKey(mgr.get(), Qt::Key_Select); // placed at once: nothing to move
-    QVERIFY(!mgr->isMoving());
-    QCOMPARE(mgr->getOverlayCtl()->getCommandList().size(), size_t(1));
-    QCOMPARE(commandRect(mgr->getOverlayCtl()->getCommandList().front()), QRect(0, 0, 400, 200));
-}
-
-void tst_ImgSvcOverlay::heldKeysStopAtTheEdge()
-{
-    auto mgr = makeMgr();
-    clickKey(mgr.get(), Qt::Key_Select);
-    for (Qt::Key key : {Qt::Key_Right, Qt::Key_Down}) {
-        pressKey(mgr.get(), key);
-        for (int i = 0; i < 30; ++i)
-            pressRepeated(mgr.get(), key);
-        releaseKey(mgr.get(), key);
+    std::unique_ptr<ImgSvcOverlayMgr> makeMgr(ReportRecorder *rec)
+    {
+        auto mgr = std::make_unique<ImgSvcOverlayMgr>();
+        mgr->getOverlayCtl()->setInput(&m_src);
+        mgr->getOverlayCtl()->setEventReceiver(rec);
+        return mgr;
     }
-    QCOMPARE(mgr->currentRect().bottomRight(), QPoint(399, 199));
-    // Back off by one small step: the element leaves the edge at once.
-    clickKey(mgr.get(), Qt::Key_Left);
-    QVERIFY(mgr->currentRect().right() < 399);
-}
-
-void tst_ImgSvcOverlay::softKeysWhileMoving()
-{
-    ReportRecorder rec;
-    auto mgr = makeMgr(&rec);
-    ZSoftKey *keys = mgr->getSoftKey();
-    QCOMPARE(keys->text(ZSoftKey::LEFT), QStringLiteral("Done"));
-    QCOMPARE(keys->text(ZSoftKey::RIGHT), QStringLiteral("Back"));
-    clickKey(mgr.get(), Qt::Key_Select);
-    QVERIFY(keys->text(ZSoftKey::LEFT) != QStringLiteral("Done"));
-    clickKey(mgr.get(), Qt::Key_Context2); // cancels the move, stays on the screen
-    QVERIFY(!mgr->isMoving());
-    QVERIFY(mgr->getOverlayCtl()->getCommandList().empty());
-    clickKey(mgr.get(), Qt::Key_Select);
-    clickKey(mgr.get(), Qt::Key_Context1); // places
-    QCOMPARE(mgr->getOverlayCtl()->getCommandList().size(), size_t(1));
-    QCOMPARE(keys->text(ZSoftKey::LEFT), QStringLiteral("Done"));
-    QVERIFY(deliveredReports(rec).isEmpty());
-}
-
-void tst_ImgSvcOverlay::doneHandsCommandsAndFilesOver()
-{
-    ReportRecorder rec;
-    auto mgr = makeMgr(&rec);
-    clickKey(mgr.get(), Qt::Key_Select);
-    clickKey(mgr.get(), Qt::Key_Select);
-    mgr->getOverlayCtl()->addCommand(new CountedOverlay);
-    clickKey(mgr.get(), Qt::Key_Context1);
-    clickKey(mgr.get(), Qt::Key_Context2);
-    QCOMPARE(deliveredReports(rec), (QList<ReportRecorder::Report>{{CTL_EVENT_OVERLAY, 0}}));
-
-    const std::list<MMOverlayImageCommand *> taken = mgr->getOverlayCtl()->getCommandList();
-    const std::vector<QString> files = mgr->getOverlayTmpFiles();
-    mgr.reset();
-    QCOMPARE(CountedOverlay::alive, 1); // ours now
-    QCOMPARE(files.size(), size_t(1));
-    QVERIFY(QFile::exists(files.front()));
-    for (MMOverlayImageCommand *c : taken)
-        delete c;
-    QCOMPARE(CountedOverlay::alive, 0);
-    QFile::remove(files.front());
-}
-
-void tst_ImgSvcOverlay::backCleansUp()
-{
-    ReportRecorder rec;
-    auto mgr = makeMgr(&rec);
-    clickKey(mgr.get(), Qt::Key_Select);
-    clickKey(mgr.get(), Qt::Key_Select);
-    mgr->getOverlayCtl()->addCommand(new CountedOverlay);
-    const std::vector<QString> files = mgr->getOverlayTmpFiles();
-    QCOMPARE(files.size(), size_t(1));
-    clickKey(mgr.get(), Qt::Key_Context2);
-    clickKey(mgr.get(), Qt::Key_Context1);
-    QCOMPARE(deliveredReports(rec), (QList<ReportRecorder::Report>{{CTL_EVENT_OVERLAY, 1}}));
-    QVERIFY(QFile::exists(files.front())); // until the screen goes
-    mgr.reset();
-    QCOMPARE(CountedOverlay::alive, 0);
-    QVERIFY(!QFile::exists(files.front()));
-}
+    QTemporaryDir m_dir;
+    MMImageSource m_src; // 400 x 200: a star is 50 x 50, the small step 3, the large 25
+};
 
 QTEST_MAIN(tst_ImgSvcOverlay)
 #include "tst_imgsvc_overlay.moc"
