@@ -1,12 +1,14 @@
 #include "MMCommandRunner.h"
 #include "MMAtomicFile.h"
 #include "MMCommand.h"
+#include "MMEditPlanner.h"
 #include "MMFileFormat.h"
 #include "MMImageDecoder.h"
 #include "MMImageHeader.h"
 #include "MMImageSource.h"
 #include "MMImageWriter.h"
 #include "MMJpegCodec.h"
+#include "MMJpegRegionDecoder.h"
 #include "MMMetadata.h"
 #include "MMMirrorCommand.h"
 #include "MMRotateCommand.h"
@@ -98,6 +100,20 @@ MMEncodeOptions encodeOptions(const MMImageHeader &header, const QByteArray &for
     }
     return options;
 }
+
+// Replays a plan on a 1- or 3-component JPEG: only the needed part is
+// decoded, already turned. A null image when the plan cannot be replayed.
+QImage decodePlanned(const QString &in, const MMImageHeader &header, const MMEditPlanner::Plan &plan, bool toJpeg)
+{
+    // Three bytes a pixel when nothing but the encoder will read them.
+    const bool packed = toJpeg && plan.rest.empty() && !plan.resizeTo.isValid();
+    QImage image = MMJpegRegionDecoder::decode(readFile(in), header.storedSize(), plan.scaleDenom, plan.decodeRect,
+                                               plan.orientation, packed ? QImage::Format_RGB888 : QImage::Format_RGB32);
+    if (image.isNull() || !plan.resizeTo.isValid())
+        return image;
+    image = image.scaled(plan.resizeTo, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    return image.rect() == plan.keep ? image : image.copy(plan.keep);
+}
 }
 
 int MMCommandRunner::run(const MMImageSource &source, const MMImageSource &destination,
@@ -132,6 +148,21 @@ int MMCommandRunner::run(const MMImageSource &source, const MMImageSource &desti
             return 0;
         if (lossless == -2)
             return -1; // transformed, but the write failed; a re-encode would fail the same way
+    }
+
+    const int components = header.jpeg().components();
+    if (header.format() == MM_FORMAT_JPEG && (components == 1 || components == 3)) {
+        const MMEditPlanner::Plan plan = MMEditPlanner::plan(header.storedSize(), header.orientation(), commands);
+        if (plan.valid) {
+            QImage image = decodePlanned(in, header, plan, format == "jpeg");
+            if (image.isNull())
+                return -1;
+            for (const MMCommand *command : plan.rest) {
+                if (command->apply(image) != 0)
+                    return -1;
+            }
+            return MMImageWriter::write(image, out, encodeOptions(header, format, in));
+        }
     }
 
     QImage image = MMImageDecoder::decode(in);

@@ -10,8 +10,10 @@ class MMImageSource;
 // destination may be the same file. The destination is replaced atomically
 // (written beside it, then renamed), so a failure never leaves it half-written.
 // JPEG: rotations and mirrors alone are applied losslessly when the size
-// allows; metadata is kept; a re-encode keeps the source's quality and
-// chroma subsampling.
+// allows; otherwise the list is planned first (MMEditPlanner) so that only
+// the pixels the result needs are decoded, at reduced scale when a resize
+// allows it, and turned once. Metadata is kept; a re-encode keeps the
+// source's quality and chroma subsampling.
 class MMCommandRunner
 {
 public:

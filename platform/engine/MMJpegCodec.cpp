@@ -1,5 +1,6 @@
 #include "MMJpegCodec.h"
 #include <QPainter>
+#include <limits>
 #include <turbojpeg.h>
 
 namespace {
@@ -88,6 +89,9 @@ QByteArray MMJpegCodec::encode(const QImage &image, int quality, MMJpegHeader::S
     if (subsampling == MMJpegHeader::SubGray && image.format() == QImage::Format_Grayscale8) {
         pixels = image;
         pixelFormat = TJPF_GRAY;
+    } else if (image.format() == QImage::Format_RGB888) {
+        pixels = image;
+        pixelFormat = TJPF_RGB;
     } else {
         if (image.hasAlphaChannel()) {
             pixels = QImage(image.size(), QImage::Format_RGB32);
@@ -132,13 +136,25 @@ QByteArray MMJpegCodec::transform(const QByteArray &jpeg, const MMOrientation &o
         t.options |= TJXOPT_COPYNONE;
     if (progressive)
         t.options |= TJXOPT_PROGRESSIVE;
-    unsigned char *buffer = nullptr;
-    unsigned long size = 0;
-    // A warning means damaged data; a transform of it would save damage.
-    if (tjTransform(tj.handle, reinterpret_cast<const unsigned char *>(jpeg.constData()), jpeg.size(), 1, &buffer,
-                    &size, &t, TJFLAG_STOPONWARNING) != 0) {
-        tjFree(buffer);
+    // Written straight into the result: the compressed picture cannot
+    // outgrow TurboJPEG's bound for its size, and the copied markers cannot
+    // outgrow the source. Pages past the end are never touched.
+    const auto *source = reinterpret_cast<const unsigned char *>(jpeg.constData());
+    int width = 0, height = 0, subsampling = 0, colourspace = 0;
+    if (tjDecompressHeader3(tj.handle, source, jpeg.size(), &width, &height, &subsampling, &colourspace) != 0)
         return QByteArray();
-    }
-    return takeBuffer(buffer, size);
+    if (orientation.swapsAxes())
+        std::swap(width, height);
+    const unsigned long bound = tjBufSize(width, height, subsampling < 0 ? TJSAMP_444 : subsampling);
+    if (bound == (unsigned long)-1 || bound + jpeg.size() > unsigned(std::numeric_limits<int>::max()))
+        return QByteArray();
+    QByteArray out(int(bound + jpeg.size()), Qt::Uninitialized);
+    auto *buffer = reinterpret_cast<unsigned char *>(out.data());
+    unsigned long size = (unsigned long)out.size();
+    // A warning means damaged data; a transform of it would save damage.
+    if (tjTransform(tj.handle, source, jpeg.size(), 1, &buffer, &size, &t, TJFLAG_STOPONWARNING | TJFLAG_NOREALLOC) != 0
+        || buffer != reinterpret_cast<unsigned char *>(out.data()))
+        return QByteArray();
+    out.resize(int(size));
+    return out;
 }

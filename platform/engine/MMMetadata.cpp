@@ -73,12 +73,12 @@ QByteArray contents(Exiv2::Image &image)
     Exiv2::BasicIo &io = image.io();
     if (io.open() != 0)
         return QByteArray();
+    // Straight into the result: one copy of the picture instead of two.
     const long size = io.size();
-    Exiv2::DataBuf buf = io.read(size);
+    QByteArray out(int(size), Qt::Uninitialized);
+    const long read = io.read(reinterpret_cast<Exiv2::byte *>(out.data()), size);
     io.close();
-    if (buf.size_ != size)
-        return QByteArray();
-    return QByteArray(reinterpret_cast<const char *>(buf.pData_), int(buf.size_));
+    return read == size ? out : QByteArray();
 }
 }
 

@@ -66,6 +66,30 @@ MMOrientation MMOrientation::then(const MMOrientation &next) const
                          next.m_yx * m_xy + next.m_yy * m_yy);
 }
 
+QRect MMOrientation::mapRect(const QRect &rect, const QSize &size) const
+{
+    // Doubled coordinates keep the centres of pixels integral: a pixel at p
+    // moves to M (2p - (size - 1)) + (mapped size - 1), all halved.
+    const QSize out = map(size);
+    auto mapPoint = [&](int x, int y) {
+        const int dx = 2 * x - (size.width() - 1), dy = 2 * y - (size.height() - 1);
+        return QPoint((m_xx * dx + m_xy * dy + out.width() - 1) / 2, (m_yx * dx + m_yy * dy + out.height() - 1) / 2);
+    };
+    const QPoint a = mapPoint(rect.left(), rect.top()), b = mapPoint(rect.right(), rect.bottom());
+    // Not QRect::normalized(), which moves swapped edges by a pixel.
+    return QRect(QPoint(qMin(a.x(), b.x()), qMin(a.y(), b.y())), QPoint(qMax(a.x(), b.x()), qMax(a.y(), b.y())));
+}
+
+QImage MMOrientation::apply(QImage &&image) const
+{
+    switch (exifValue()) {
+    case 2: return std::move(image).mirrored(true, false);
+    case 3: return std::move(image).mirrored(true, true);
+    case 4: return std::move(image).mirrored(false, true);
+    default: return apply(static_cast<const QImage &>(image));
+    }
+}
+
 QImage MMOrientation::apply(const QImage &image) const
 {
     switch (exifValue()) {

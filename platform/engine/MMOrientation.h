@@ -27,7 +27,15 @@ public:
     bool swapsAxes() const { return m_xx == 0; }
     QSize map(const QSize &size) const { return swapsAxes() ? size.transposed() : size; }
 
+    // The transform that undoes this one.
+    MMOrientation inverted() const { return MMOrientation(m_xx, m_yx, m_xy, m_yy); }
+    // Where rect of a picture of the given size lands once the picture is
+    // transformed.
+    QRect mapRect(const QRect &rect, const QSize &size) const;
+
     QImage apply(const QImage &image) const;
+    // Same, but reuses image's memory for mirrors when nothing else shares it.
+    QImage apply(QImage &&image) const;
 
     bool operator==(const MMOrientation &o) const
     { return m_xx == o.m_xx && m_xy == o.m_xy && m_yx == o.m_yx && m_yy == o.m_yy; }

@@ -1,0 +1,41 @@
+#pragma once
+#include "MMOrientation.h"
+#include <QRect>
+#include <QSize>
+#include <list>
+#include <vector>
+
+class MMCommand;
+
+// Works out, before any pixel is decoded, the least a JPEG save has to do.
+// The turns and flips at the head of a command list fold into one
+// orientation together with the file's own; crops among them move before
+// it (mapped back into stored pixels), so that only kept pixels are decoded
+// and turned; a following resize to half or less becomes a scaled decode
+// (libjpeg's 1/2, 1/4, 1/8) plus a small smooth resize of what is left.
+// Whatever follows is applied as it is.
+class MMEditPlanner
+{
+public:
+    struct Plan
+    {
+        bool valid = false;
+        // 1, 2, 4 or 8: the decoder's DCT scaling.
+        int scaleDenom = 1;
+        // Stored pixels to decode, in units of the scaled decode.
+        QRect decodeRect;
+        // Turns the decoded pixels into the picture being edited.
+        MMOrientation orientation;
+        // When valid: the turned pixels are resized to this, then keep is
+        // taken from them (a scaled decode starts on whole scaled pixels).
+        QSize resizeTo;
+        QRect keep;
+        // Applied afterwards, in order.
+        std::vector<const MMCommand *> rest;
+    };
+
+    // storedSize and fileOrientation as the JPEG header gives them. An
+    // invalid plan means the list is to be replayed as it is (it may fail).
+    static Plan plan(const QSize &storedSize, const MMOrientation &fileOrientation,
+                     const std::list<MMCommand *> &commands);
+};
