@@ -1,0 +1,332 @@
+// Whole edit flows as a user drives them: the demo host runs the editor on a
+// picture with a key script, and the file written is checked against a
+// reference made independently (ImageMagick), never against our own engine.
+#include "flowrunner.h"
+
+#include <sys/mount.h>
+#include <unistd.h>
+
+using namespace flows;
+
+namespace {
+
+QString times(const QString &key, int n) { return QStringList(n, key).join(' '); }
+
+// Opens Options and picks the item `index` rows below the first.
+QString menu(int index) { return ("Context1 " + times("Down", index) + " Select").simplified(); }
+
+// Menu rows: Add Elements is offered only for pictures of at most 640x480,
+// so Style moves up one row on larger ones.
+enum { RotateLeft = 0, RotateRight, MirrorH, MirrorV, Crop, Resize, AddElements, StyleSmall };
+constexpr int StyleLarge = 6;
+
+// Save over the file from the save screen, then leave the editor.
+const QString kSaveAndBack = QStringLiteral("Context1 Context2");
+// Apply the quick edits, then save over and leave.
+const QString kApply = "Context2 " + kSaveAndBack;
+
+// From the crop screen's centred 1x1 start: the second corner 5 right and
+// 3 down, then the first corner 4 left and 2 up -> 10 x 6 screen pixels.
+const QString kCrop = menu(Crop) + ' ' + times("Right", 5) + ' ' + times("Down", 3) + " Select " + times("Left", 4)
+    + " Up Up Context1 " + kSaveAndBack;
+
+const QString kHostile = QStringLiteral("'\"$(touch${IFS}pwned1)`touch${IFS}pwned2`;touch${IFS}pwned3;&|<>*\\");
+
+// Picks style `row` in the list of styles and saves over the file.
+QString style(int menuRow, int row) { return menu(menuRow) + ' ' + times("Down", row) + " Select " + kSaveAndBack; }
+
+// Turns right, opens a sub-editor and leaves it unconfirmed, then applies;
+// choosing the sub-editor blocks the keys for 2 s.
+QString leave(int menuRow) { return "Up " + menu(menuRow) + " Context2 wait:2100 " + kApply; }
+
+struct Flow
+{
+    QString group, name;  // the test function and its row
+    const char *format;   // png: a detailed picture; jpg: a photo-like one
+    QSize size;
+    QString keys;
+    QStringList ops = {};  // convert's version of the edit; empty: checked otherwise
+    double tolerance = 0;  // mean difference allowed from the reference; 0: exact
+    QString written = {};  // the new file, "{base}" standing for the picture's name; empty: saved over
+};
+
+// Every flow is started by initTestCase and checked by the test function of
+// its group. 320x240 is shown as it is; 960x720 is previewed at 240x180
+// (scale 1/4), so the crop's 10x6 selection from the centre (120,90) is
+// 40x24 full-size pixels at (464,352). Without a preview a step is still
+// one screen pixel, 2 image pixels here: (152,116)-(170,126).
+const QList<Flow> &flowTable()
+{
+    const QSize small(320, 240), large(960, 720);
+    static const QList<Flow> table = {
+        {"quick", "png rotate left from the menu", "png", small, menu(RotateLeft) + ' ' + kApply, {"-rotate", "-90"}},
+        {"quick", "png rotate right with Up", "png", small, "Up " + kApply, {"-rotate", "90"}},
+        {"quick", "png mirror horizontal", "png", small, menu(MirrorH) + ' ' + kApply, {"-flop"}},
+        {"quick", "png mirror vertical", "png", small, menu(MirrorV) + ' ' + kApply, {"-flip"}},
+        // JPEG turns losslessly, but the reference decodes and turns the pixels.
+        {"quick", "jpg rotate right with Up", "jpg", large, "Up " + kApply, {"-rotate", "90"}, 4},
+        {"crop", "png without preview", "png", small, kCrop, {"-crop", "19x11+152+116", "+repage"}},
+        {"crop", "jpg with preview", "jpg", large, kCrop, {"-crop", "40x24+464+352", "+repage"}, 4},
+        // Offered: 720x540, 640x480, ...; the scaler is not ImageMagick's.
+        {"resize", "jpg second offer", "jpg", large, menu(Resize) + " Down Select " + kSaveAndBack,
+         {"-resize", "640x480!"}, 8},
+        {"style", "negative", "png", small, style(StyleSmall, 2), {"-negate"}},
+        {"style", "grayscale", "png", small, style(StyleSmall, 0)},
+        {"style", "emboss on a jpg with preview", "jpg", large, style(StyleLarge, 5)},
+        // A star 10 steps left of the centre, then a heart 20 steps right
+        // of where the star went.
+        {"overlay", "star and heart", "png", small,
+         menu(AddElements) + " Select " + times("Left", 10) + " Select Right Select " + times("Right", 20)
+             + " Select Context1 " + kSaveAndBack},
+        {"save as", "after a rotate", "png", small, "Up Context2 Context2 text:turned Select Context2",
+         {"-rotate", "90"}, 0, "turned.png"},
+        {"save as", "after a resize", "png", small, menu(Resize) + " Select Context2 text:small Select Context2",
+         {"-resize", "240x180!"}, 8, "small.png"},
+        // Backing out of the name entry writes nothing and drops the edits.
+        {"save as", "backed out", "png", small, "Up Context2 Context2 Context2 Context2"},
+        // A name a shell would act on is still just a name.
+        {"save as", "hostile name", "png", small, "Up Context2 Context2 Home text:" + kHostile + " Select Context2",
+         {"-rotate", "90"}, 0, kHostile + "{base}_edited.png"},
+        // Turned right and mirrored, cancelled, then turned left and saved.
+        {"cancel", "then edit again", "png", small, "Up " + menu(MirrorH) + " Context1 Up Select Down " + kApply,
+         {"-rotate", "-90"}},
+        {"leave", "crop", "png", small, leave(Crop), {"-rotate", "90"}},
+        {"leave", "style", "png", small, leave(StyleSmall), {"-rotate", "90"}},
+    };
+    return table;
+}
+
+QByteArray fileBytes(const QString &path)
+{
+    QFile f(path);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+}
+
+} // namespace
+
+// Waits for run `id`, which must have ended as checkedRun() says.
+#define CHECK_RUN(id, alsoWritten)                                                                      \
+    if (const QString problem = checkedRun(id, alsoWritten); !problem.isEmpty())                        \
+    QFAIL(qPrintable(QString(id) + ": " + problem))
+
+class TestEditFlows : public QObject
+{
+    Q_OBJECT
+    QTemporaryDir m_root;
+    FlowRunner m_runner{5};
+    const QString m_tag = QString("ef%1_").arg(getpid());
+
+    // Every picture's name starts with a tag of this process and so do the
+    // editor's working copies of it in the shared working directory. Each
+    // sits alone in a folder of its own, its original beside the folder.
+    QString folder(int i) const { return m_root.filePath(QString::number(i)); }
+    QString baseName(int i) const { return m_tag + QString::number(i) + " pic"; }
+    QString picture(int i) const { return folder(i) + '/' + baseName(i) + '.' + flowTable().at(i).format; }
+    QString original(int i) const { return folder(i) + "-orig." + flowTable().at(i).format; }
+    // The new file the flow writes; empty when it saves over the picture.
+    QString written(int i) const { return QString(flowTable().at(i).written).replace("{base}", baseName(i)); }
+    QString result(int i) const { return written(i).isEmpty() ? picture(i) : folder(i) + '/' + written(i); }
+    static QString id(const Flow &f) { return f.group + ": " + f.name; }
+
+    // Waits for run `id`. It must have closed the editor (exit 0) and
+    // released its working copies, written nothing into its working
+    // directory and nothing but `alsoWritten` beside its picture.
+    QString checkedRun(const QString &id, const QString &alsoWritten)
+    {
+        Run *run = m_runner.wait(id);
+        if (!run || run->process.exitStatus() != QProcess::NormalExit || run->process.exitCode() != 0)
+            return describe(run);
+        const QFileInfo file(run->file);
+        const auto all = QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot;
+        const QStringList left = QDir(kWorkDir).entryList({"*_" + file.baseName().remove(' ') + "_*"}, all);
+        if (!left.isEmpty())
+            return "working copies left: " + left.join(", ");
+        const QStringList stray = QDir(FlowRunner::workingDirOf(run->file)).entryList(all);
+        if (!stray.isEmpty())
+            return "written into the working directory: " + stray.join(", ");
+        QStringList expected{file.fileName(), alsoWritten}, found = file.dir().entryList(all);
+        expected.removeAll(QString());
+        expected.sort();
+        found.sort();
+        if (found != expected)
+            return QString("the folder holds \"%1\", expected \"%2\"").arg(found.join("\", \""), expected.join("\", \""));
+        return QString();
+    }
+
+    static void addRows(const QString &group)
+    {
+        QTest::addColumn<int>("index");
+        for (int i = 0; i < flowTable().size(); ++i)
+            if (flowTable().at(i).group == group)
+                QTest::newRow(qPrintable(flowTable().at(i).name)) << i;
+    }
+
+    // The row's run ended well, and what it wrote is ImageMagick's version
+    // of the edit on the original.
+    void checkAgainstReference()
+    {
+        QFETCH(int, index);
+        const Flow &f = flowTable().at(index);
+        CHECK_RUN(id(f), written(index));
+        const QString ref = folder(index) + "-ref.png"; // PNG: no further loss
+        QVERIFY2(!convert(QStringList{original(index)} + f.ops + QStringList{ref}).isEmpty(),
+                 qPrintable("convert " + f.ops.join(' ') + " failed"));
+        const QImage got = load(result(index)), expected = load(ref);
+        QVERIFY2(!got.isNull(), "the written file can not be read");
+        QCOMPARE(got.size(), expected.size());
+        QString difference;
+        const double mean = compare(got, expected, &difference);
+        if (f.tolerance == 0)
+            QVERIFY2(difference.isEmpty(), qPrintable(difference));
+        QVERIFY2(mean <= f.tolerance, qPrintable(QString("mean difference %1").arg(mean)));
+    }
+
+private slots:
+    void initTestCase()
+    {
+        QVERIFY(m_root.isValid());
+        QVERIFY2(QFileInfo(kViewer).isExecutable(), kViewer);
+        if (!convert({"-version"}).contains("ImageMagick"))
+            QSKIP("ImageMagick's convert is needed for the reference pictures");
+        for (int i = 0; i < flowTable().size(); ++i) {
+            const Flow &f = flowTable().at(i);
+            const QSize size = f.size;
+            const QImage image = f.format == QLatin1String("png") ? detailed(size.width(), size.height())
+                                                                  : photo(size.width(), size.height());
+            QVERIFY(QDir().mkpath(folder(i)));
+            QVERIFY(image.save(original(i), f.format, 92) && QFile::copy(original(i), picture(i)));
+            m_runner.add(id(f), picture(i), f.keys);
+        }
+    }
+
+    // Rotations and mirrors through the menu and the five-way key.
+    void quickEdits_data() { addRows("quick"); }
+    void quickEdits() { checkAgainstReference(); }
+
+    // The selection is made on the preview and mapped to full-size pixels,
+    // edges included.
+    void crop_data() { addRows("crop"); }
+    void crop() { checkAgainstReference(); }
+
+    // An offered size is written as it is, with the proportions kept.
+    void resize_data() { addRows("resize"); }
+    void resize() { checkAgainstReference(); }
+
+    // Cancel drops the quick edits made so far; the editor stays usable.
+    void cancelDropsEdits_data() { addRows("cancel"); }
+    void cancelDropsEdits() { checkAgainstReference(); }
+
+    // A sub-editor left without confirming keeps the quick edits made
+    // before it: the saved file is only turned.
+    void leavingSubEditorKeepsQuickEdits_data() { addRows("leave"); }
+    void leavingSubEditorKeepsQuickEdits() { checkAgainstReference(); }
+
+    // A style changes the whole picture, at full size even when it was
+    // chosen on the preview; grayscale leaves no colour at all.
+    void styles_data() { addRows("style"); }
+    void styles()
+    {
+        QFETCH(int, index);
+        const Flow &f = flowTable().at(index);
+        if (!f.ops.isEmpty())
+            return checkAgainstReference();
+        CHECK_RUN(id(f), QString());
+        const QImage after = load(picture(index)), before = load(original(index));
+        QCOMPARE(after.size(), before.size());
+        QString unused;
+        QVERIFY2(compare(after, before, &unused) > 4.0, "the style changed little or nothing");
+        for (int y = 0; y < after.height() && f.name == "grayscale"; ++y) {
+            for (int x = 0; x < after.width(); ++x) {
+                const QRgb p = after.pixel(x, y);
+                if (qRed(p) != qGreen(p) || qGreen(p) != qBlue(p))
+                    QFAIL(qPrintable(QString("pixel (%1,%2) is #%3").arg(x).arg(y).arg(p & 0xffffff, 6, 16)));
+            }
+        }
+    }
+
+    // Elements are drawn only where they were placed. An element is a
+    // quarter of the shorter side (60x60 here); the first starts centred,
+    // at (131,91), each next one where the last was placed, and a step is
+    // a sixtieth of the shorter side (4 pixels).
+    void overlay_data() { addRows("overlay"); }
+    void overlay()
+    {
+        QFETCH(int, index);
+        CHECK_RUN(id(flowTable().at(index)), QString());
+        const QImage after = load(picture(index)), before = load(original(index));
+        QCOMPARE(after.size(), before.size());
+        // A pixel of slack for the antialiased edge.
+        const QRect placed[2] = {QRect(90, 90, 62, 62), QRect(170, 90, 62, 62)};
+        int inside[2] = {0, 0};
+        for (int y = 0; y < after.height(); ++y) {
+            for (int x = 0; x < after.width(); ++x) {
+                if (after.pixel(x, y) == before.pixel(x, y))
+                    continue;
+                if (!placed[0].contains(x, y) && !placed[1].contains(x, y))
+                    QFAIL(qPrintable(QString("pixel (%1,%2) changed outside the elements").arg(x).arg(y)));
+                inside[0] += placed[0].contains(x, y);
+                inside[1] += placed[1].contains(x, y);
+            }
+        }
+        // Each element covers a good part of its square.
+        QVERIFY2(inside[0] > 900 && inside[1] > 900,
+                 qPrintable(QString("the elements changed %1 and %2 pixels").arg(inside[0]).arg(inside[1])));
+    }
+
+    // The edit goes to the new file in the original's folder, exactly as
+    // named; the original keeps every byte, and no shell acts on the name.
+    void saveAs_data() { addRows("save as"); }
+    void saveAs()
+    {
+        QFETCH(int, index);
+        QEXPECT_FAIL("after a resize", "the save screen after Resize is not told the original's name, so the "
+                                       "typed name lands in the working directory, without an extension", Abort);
+        CHECK_RUN(id(flowTable().at(index)), written(index));
+        QCOMPARE(fileBytes(picture(index)), fileBytes(original(index)));
+        for (const QString &dir : {QDir::tempPath(), QString(kWorkDir)})
+            QCOMPARE(QDir(dir).entryList({"pwned*"}), QStringList());
+        if (!flowTable().at(index).ops.isEmpty())
+            checkAgainstReference();
+    }
+
+    // When the edited result does not fit, the file stays as it was and
+    // nothing else lands on the medium; the notice that says so goes away
+    // by itself and Back then closes the editor.
+    void storageFullLeavesFileUnchanged()
+    {
+        const QString dir = m_root.filePath("full");
+        QVERIFY(QDir().mkpath(dir));
+        if (geteuid() != 0 || mount("tmpfs", QFile::encodeName(dir).constData(), "tmpfs", 0, "size=512k") != 0)
+            QSKIP("needs root (mount of a 512 KiB tmpfs) to run out of storage");
+        const auto unmount = qScopeGuard([&] { umount2(QFile::encodeName(dir).constData(), MNT_DETACH); });
+        const QString file = dir + '/' + m_tag + "full.png";
+        QVERIFY(photo(160, 120).save(file, "png"));
+        const QByteArray before = fileBytes(file);
+        // The room rule keeps five blocks in reserve. With one block free a
+        // result fits only when it is four blocks smaller than the file it
+        // replaces, which a file of fewer than four blocks can not be.
+        QStorageInfo fs(dir);
+        QVERIFY(before.size() < 4 * fs.blockSize());
+        QFile filler(dir + "/filler");
+        QVERIFY(filler.open(QIODevice::WriteOnly) && filler.write(QByteArray(fs.bytesAvailable() - fs.blockSize(), 'f')));
+        filler.close();
+        fs.refresh();
+        QVERIFY(fs.bytesAvailable() <= fs.blockSize());
+        // The notice stays 3 s; Back only after it has gone.
+        m_runner.add("full", file, "Up Context2 Context1 wait:3600 Context2");
+        CHECK_RUN("full", "filler");
+        QCOMPARE(fileBytes(file), before);
+    }
+
+    void cleanupTestCase()
+    {
+        m_runner.stopAll();
+        // A run that was stopped leaves its working copies behind; ours
+        // carry the tag.
+        for (const QString &name : QDir(kWorkDir).entryList({"*" + m_tag + "*"}, QDir::Files | QDir::Hidden))
+            QFile::remove(QDir(kWorkDir).filePath(name));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestEditFlows)
+#include "tst_editflows.moc"
