@@ -1,4 +1,7 @@
 #include "ImgSvcCropCtl.h"
+#include "MMCropCommand.h"
+#include "MMCommandRunner.h"
+#include "MMImageSource.h"
 #include "ImgSvcCtlEvent.h"
 #include <QtGlobal>
 
@@ -66,4 +69,13 @@ void ImgSvcCropCtl::inputSizeChanged()
     m_p1 = clamped(m_p1);
     m_p2 = clamped(m_p2);
     emit rectChanged();
+}
+
+void ImgSvcCropCtl::writeResult()
+{
+    const QRect r = getCropRect();
+    MMCropCommand crop;
+    crop.setRect(MMRect(r.x(), r.y(), r.width(), r.height()));
+    std::list<MMCommand *> commands{&crop};
+    MMCommandRunner::run(*getInput(), *getOutput(), commands);
 }

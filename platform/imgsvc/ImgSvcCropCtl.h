@@ -32,6 +32,9 @@ public:
 signals:
     void rectChanged();
 
+protected:
+    void writeResult() override;
+
 private:
     QPoint clamped(const QPoint &p) const;
     void inputSizeChanged();

@@ -43,6 +43,8 @@ void ImgSvcCtlInterface::refresh(bool reload)
 
 void ImgSvcCtlInterface::postResult(int result)
 {
+    if (result == 0 && m_input && m_output)
+        writeResult();
     // Posted, never sent: the receiver usually deletes the screen that reports.
     if (m_receiver)
         QCoreApplication::postEvent(m_receiver, new ImgSvcCtlEvent(m_eventType, result));

@@ -30,11 +30,17 @@ public:
     virtual void refresh(bool reload);
 
     int eventType() const { return m_eventType; }
-    // Posts ImgSvcCtlEvent(eventType(), result) to the receiver, if any.
+    // Posts ImgSvcCtlEvent(eventType(), result) to the receiver, if any. A
+    // confirmed control (result 0) first writes what it made into its output,
+    // so that the next screen working on that image shows the result.
     void postResult(int result);
 
 signals:
     void inputChanged();
+
+protected:
+    // The control's own edit, from input into output; nothing by default.
+    virtual void writeResult() {}
 
 private:
     int m_eventType;

@@ -1,4 +1,7 @@
 #include "ImgSvcEffectCtl.h"
+#include "MMEffectCommand.h"
+#include "MMCommandRunner.h"
+#include "MMImageSource.h"
 #include "ImgSvcCtlEvent.h"
 
 ImgSvcEffectCtl::ImgSvcEffectCtl(QObject *parent) : ImgSvcCtlInterface(CTL_EVENT_EFFECT, parent)
@@ -6,3 +9,11 @@ ImgSvcEffectCtl::ImgSvcEffectCtl(QObject *parent) : ImgSvcCtlInterface(CTL_EVENT
 }
 
 ImgSvcEffectCtl::~ImgSvcEffectCtl() = default;
+
+void ImgSvcEffectCtl::writeResult()
+{
+    MMEffectCommand effect;
+    effect.setEffect(m_effect);
+    std::list<MMCommand *> commands{&effect};
+    MMCommandRunner::run(*getInput(), *getOutput(), commands);
+}

@@ -12,6 +12,9 @@ public:
     void setEffect(int effect) { m_effect = effect; }
     int getEffect() const { return m_effect; }
 
+protected:
+    void writeResult() override;
+
 private:
     int m_effect = 0;
 };

@@ -1,4 +1,6 @@
 #include "ImgSvcOverlayCtl.h"
+#include "MMCommandRunner.h"
+#include "MMImageSource.h"
 #include "ImgSvcCtlEvent.h"
 #include "MMOverlayImageCommand.h"
 
@@ -18,4 +20,12 @@ void ImgSvcOverlayCtl::addCommand(MMOverlayImageCommand *command)
 {
     if (command)
         m_commands.push_back(command);
+}
+
+void ImgSvcOverlayCtl::writeResult()
+{
+    if (m_commands.empty())
+        return;
+    const std::list<MMCommand *> commands(m_commands.begin(), m_commands.end());
+    MMCommandRunner::run(*getInput(), *getOutput(), commands);
 }

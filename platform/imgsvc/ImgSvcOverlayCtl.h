@@ -20,6 +20,9 @@ public:
     // Ownership of the listed commands passes to the reader of the list.
     void releaseCommands() { m_owned = false; }
 
+protected:
+    void writeResult() override;
+
 private:
     std::list<MMOverlayImageCommand *> m_commands;
     bool m_owned = true;

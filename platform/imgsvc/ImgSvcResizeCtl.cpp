@@ -21,3 +21,9 @@ int ImgSvcResizeCtl::process()
     return MMImageScaler::scaleFile(QString::fromStdString(getInput()->getFileName()),
                                     QString::fromStdString(getOutput()->getFileName()), m_target);
 }
+
+void ImgSvcResizeCtl::writeResult()
+{
+    if (m_target.isValid() && !m_target.isEmpty())
+        process();
+}

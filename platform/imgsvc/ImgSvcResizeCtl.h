@@ -17,6 +17,9 @@ public:
     // when the output has been written. 0 on success, -1 on failure.
     int process();
 
+protected:
+    void writeResult() override;
+
 private:
     QSize m_target;
 };

@@ -1,4 +1,7 @@
 #include "ImgSvcSaveMgr.h"
+#include "MMImageSource.h"
+#include <QDir>
+#include <QCoreApplication>
 #include "ImgSvcKeys.h"
 #include "ImgSvcLayout.h"
 #include "ImgSvcPictureView.h"
@@ -132,6 +135,9 @@ void ImgSvcSaveMgr::leftSoftKey()
     if (auto *popupKeys = m_wait->findChild<ZSoftKey *>())
         popupKeys->hide();
     m_wait->show();
+    // The save runs synchronously once our report arrives: let the dialog
+    // reach the screen first, or the user never sees it.
+    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
     report(m_ctl, 0);
 }
 
@@ -145,16 +151,31 @@ void ImgSvcSaveMgr::rightSoftKey()
     }
 }
 
+QString ImgSvcSaveMgr::namingReference() const
+{
+    if (!m_originalFile.isEmpty())
+        return m_originalFile;
+    // Told no file name: a new file goes to the user's home folder, in the
+    // format of the picture being saved, rather than wherever the host runs.
+    const MMImageSource *picture = m_ctl->getInput() ? m_ctl->getInput() : m_ctl->getOutput();
+    QString suffix = picture ? QFileInfo(QString::fromUtf8(picture->getFileName().c_str())).suffix() : QString();
+    if (suffix.isEmpty())
+        suffix = QStringLiteral("jpg");
+    return QDir(QDir::homePath()).filePath(QStringLiteral("picture.") + suffix);
+}
+
 void ImgSvcSaveMgr::reload()
 {
-    m_view->setPicture(ImgSvcPictureView::decodeForScreen(m_ctl->getOutput()));
+    // The input is the working copy the edits so far were written into.
+    MMImageSource *shown = m_ctl->getInput() ? m_ctl->getInput() : m_ctl->getOutput();
+    m_view->setPicture(ImgSvcPictureView::decodeForScreen(shown));
 }
 
 void ImgSvcSaveMgr::showNameEntry(bool show)
 {
     ZSoftKey *keys = getSoftKey();
     if (show) {
-        m_namePage->offerNameFor(m_originalFile);
+        m_namePage->offerNameFor(namingReference());
         m_pages->setCurrentWidget(m_namePage);
         setMainWidgetTitle(tr("Save as"));
         keys->setText(ZSoftKey::LEFT, tr("OK"));
@@ -171,7 +192,7 @@ void ImgSvcSaveMgr::showNameEntry(bool show)
 void ImgSvcSaveMgr::acceptName()
 {
     // Nothing typed, or a folder: the page stays up.
-    const QString path = m_namePage->chosenPath(m_originalFile);
+    const QString path = m_namePage->chosenPath(namingReference());
     if (path.isEmpty())
         return;
     m_saveAsName = path;

@@ -64,6 +64,8 @@ private:
     QLabel *m_sizeLabel;
     ImgSvcSaveNamePage *m_namePage;
     QString m_fileName;
+    // The file new names are made beside and after.
+    QString namingReference() const;
     QString m_originalFile;
     QSize m_newSize;
     QString m_saveAsName;

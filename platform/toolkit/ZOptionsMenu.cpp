@@ -326,7 +326,8 @@ QRect ZOptionsMenu::boxGeometry() const
         textW = qMax(textW, w);
     }
     const int maxW = qMax(1, avail.width() - 2 * gap);
-    const int width = qBound(qMin(maxW, int(avail.width() * 0.6)), textW + 2 * margin + 2 * pad, maxW);
+    // Slack of one margin: the widest label must not be elided by rounding.
+    const int width = qBound(qMin(maxW, int(avail.width() * 0.6)), textW + 3 * margin + 2 * pad, maxW);
     const int fit = qMax(1, (avail.height() - 2 * gap - 2 * pad) / rowH);
     const int rows = qMax(1, qMin(int(visibleItemIds().size()), fit));
     const int height = rows * rowH + 2 * pad;

@@ -86,6 +86,9 @@ private:
         QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
         env.insert("QT_QPA_PLATFORM", "offscreen");
         env.remove("VO_SCREEN_SIZE");
+        // A save screen told no file name offers the home folder: make that
+        // the picture's own folder, so what it writes is checked like the rest.
+        env.insert("HOME", QFileInfo(run.file).absolutePath());
         run.process.setProcessEnvironment(env);
         run.process.setProcessChannelMode(QProcess::MergedChannels);
         // An empty folder of its own as the working directory, so that a

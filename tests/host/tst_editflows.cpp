@@ -279,8 +279,6 @@ private slots:
     void saveAs()
     {
         QFETCH(int, index);
-        QEXPECT_FAIL("after a resize", "the save screen after Resize is not told the original's name, so the "
-                                       "typed name lands in the working directory, without an extension", Abort);
         CHECK_RUN(id(flowTable().at(index)), written(index));
         QCOMPARE(fileBytes(picture(index)), fileBytes(original(index)));
         for (const QString &dir : {QDir::tempPath(), QString(kWorkDir)})
