@@ -136,26 +136,6 @@ private slots:
         QVERIFY(writeBytes(m_files.filePath("source"), QByteArray(limit + offset, 's')));
         QCOMPARE(ImgImplImageStore::hasEnoughSpace(m_files.filePath("source"), target), room);
     }
-
-    void saveWithoutRoomLeavesFileUnchanged()
-    {
-        QTemporaryDir mountPoint;
-        SmallFileSystem fs(mountPoint.path(), 256);
-        if (!fs.mounted())
-            QSKIP("needs root to mount a small tmpfs for a full-storage test");
-        const QString edited = mountPoint.filePath("photo.png");
-        QVERIFY(write(edited, 40, 30, "PNG"));
-        const QByteArray before = bytes(edited);
-        ImgImplImageStore store(edited);
-        // The edited result is far larger than the medium.
-        QVERIFY(writeBytes(store.realFilePath(), QByteArray(400 * 1024, 'z')));
-        QCOMPARE(store.saveToOriginalFile(), -1);
-        QCOMPARE(bytes(edited), before);
-
-        QVERIFY(writeBytes(store.realFilePath(), "fits"));
-        QCOMPARE(store.saveToOriginalFile(), 0);
-        QCOMPARE(bytes(edited), QByteArray("fits"));
-    }
 };
 
 QTEST_MAIN(TestCopyBack)

@@ -96,20 +96,6 @@ private slots:
         QCOMPARE(QImage(store.previewFilePath()).size(), previewSize);
     }
 
-    void largePhotoGetsScreenSizedPreview()
-    {
-        const QString photo = "/usr/share/backgrounds/Kleiber_by_Lukas_Baubkus.jpg";
-        if (!QFileInfo::exists(photo))
-            QSKIP("the sample photo is not installed (scripts/install-deps.sh installs it)");
-        QVERIFY(QFile::copy(photo, file("big photo.jpg")));
-        ImgImplImageStore store(file("big photo.jpg"));
-        QVERIFY(store.hasPreview);
-        const QImage preview(store.previewFilePath());
-        QCOMPARE(preview.size(), QSize(240, 135));
-        QCOMPARE(store.getPreviewScale(), float(240.0 / 6028.0));
-        QCOMPARE(bytes(store.realFilePath()), bytes(file("big photo.jpg")));
-    }
-
     void tmpCopyComesFromPreviewOrRealAndIsCached()
     {
         QVERIFY(write(file("t.png"), 640, 480, "PNG"));

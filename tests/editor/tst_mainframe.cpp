@@ -245,20 +245,6 @@ private slots:
         QVERIFY(frame->softKeys()->isButtonEnabled(ZSoftKey::LEFT));
     }
 
-    void rightKeyWithPendingEditsAppliesAndOpensSave()
-    {
-        auto *frame = ImgImplInterface::launchImageEditor(photo("r.png"), nullptr, nullptr);
-        press(frame, Qt::Key_Up);
-        QSignalSpy closed(frame, SIGNAL(sigMeClosed()));
-        press(frame, Qt::Key_Context2);
-        QVERIFY(!frame->softKeys()->isButtonEnabled(ZSoftKey::RIGHT));
-        QCOMPARE(frame->inputTimer()->interval(), 2000);
-        QTRY_COMPARE(frame->stateMachine()->currentStat(), STAT_SAVE);
-        QCOMPARE(closed.count(), 0);
-        // The tmp copy now holds the rotated picture.
-        QCOMPARE(QImage(frame->store()->tmpFilePath()).size(), QSize(240, 320));
-    }
-
     void secondEditorInOneProcessIsRefusedUntilRelease()
     {
         const QString file = photo("lock.png");

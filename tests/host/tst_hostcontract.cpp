@@ -150,23 +150,6 @@ private slots:
         QCOMPARE(QImage(shots + "/000.png").size(), QSize(240, 320));
         QCOMPARE(bytes(file), before);
     }
-
-    void viewerRejectsBadArguments_data()
-    {
-        QTest::addColumn<QStringList>("args");
-        QTest::newRow("no file") << QStringList{};
-        QTest::newRow("unknown key") << QStringList{"--keys", "Frobnicate", "x.png"};
-        QTest::newRow("bad screen") << QStringList{"--screen", "big", "x.png"};
-    }
-
-    void viewerRejectsBadArguments()
-    {
-        QFETCH(QStringList, args);
-        QProcess viewer;
-        viewer.start(VO_BINARY_DIR "/bin/vo-viewer", args);
-        QVERIFY(viewer.waitForFinished(10000));
-        QCOMPARE(viewer.exitCode(), 2);
-    }
 };
 
 QTEST_MAIN(TestHostContract)
