@@ -34,6 +34,20 @@
 namespace {
 constexpr int OPT_ITEM_CANCEL = 9;
 
+MMCommand *rotation(int degree)
+{
+    auto *command = new MMRotateCommand();
+    command->setDegree(degree);
+    return command;
+}
+
+MMCommand *mirror(bool horizontal)
+{
+    auto *command = new MMMirrorCommand();
+    command->setMirrorType(horizontal);
+    return command;
+}
+
 MMRect toMMRect(const QRect &r)
 {
     return MMRect(r.left(), r.top(), r.right() - r.left() + 1, r.bottom() - r.top() + 1);
@@ -56,36 +70,28 @@ void ImgImplMainFrame::rotate90Left()
 {
     viewer->rotate90L();
     markEdited();
-    auto *command = new MMRotateCommand();
-    command->setDegree(-90);
-    cmdList.push_back(command);
+    cmdList.push_back(rotation(-90));
 }
 
 void ImgImplMainFrame::rotate90Right()
 {
     viewer->rotate90R();
     markEdited();
-    auto *command = new MMRotateCommand();
-    command->setDegree(90);
-    cmdList.push_back(command);
+    cmdList.push_back(rotation(90));
 }
 
 void ImgImplMainFrame::mirrorHorizontal()
 {
     viewer->mirrorH();
     markEdited();
-    auto *command = new MMMirrorCommand();
-    command->setMirrorType(true);
-    cmdList.push_back(command);
+    cmdList.push_back(mirror(true));
 }
 
 void ImgImplMainFrame::mirrorVertical()
 {
     viewer->mirrorV();
     markEdited();
-    auto *command = new MMMirrorCommand();
-    command->setMirrorType(false);
-    cmdList.push_back(command);
+    cmdList.push_back(mirror(false));
 }
 
 void ImgImplMainFrame::startCrop()
