@@ -5,6 +5,7 @@
 #include "ImgImplMenuEvent.h"
 #include "ImgImplStatMachine.h"
 #include "ImgSvcLayout.h"
+#include "ImgSvcSaveMgr.h"
 #include "ImgSvcViewer.h"
 #include "MMImageDecoder.h"
 #include "MMMirrorCommand.h"
@@ -243,6 +244,27 @@ private slots:
         QVERIFY(frame->inputTimer());
         QTRY_VERIFY_WITH_TIMEOUT(frame->softKeys()->isButtonEnabled(ZSoftKey::RIGHT), 2000);
         QVERIFY(frame->softKeys()->isButtonEnabled(ZSoftKey::LEFT));
+    }
+
+    // A replay that fails on save writes nothing, yet drops the edits and
+    // shows the file as it is.
+    void failedReplayWritesNothingAndDropsEdits()
+    {
+        const QString file = photo("replay.png");
+        const QByteArray before = bytes(file);
+        auto *frame = ImgImplInterface::launchImageEditor(file, nullptr, nullptr);
+        press(frame, Qt::Key_Up);
+        press(frame, Qt::Key_Context2); // Apply: on to the save screen
+        QTRY_VERIFY(editortest::visibleWindow<ImgSvcSaveMgr>());
+        QVERIFY(writeBytes(frame->store()->realFilePath(), "no longer a picture"));
+        press(editortest::visibleWindow<ImgSvcSaveMgr>(), Qt::Key_Context1); // Save
+        QTRY_COMPARE(frame->stateMachine()->currentStat(), STAT_MAIN);
+        QCOMPARE(bytes(file), before);
+        QVERIFY(frame->pendingCommands().empty());
+        QCOMPARE(frame->softKeys()->text(ZSoftKey::RIGHT), QString("Back"));
+        // The 320x240 picture is shown unturned again.
+        const QSize shown = frame->imageViewer()->displayImage().size();
+        QVERIFY2(shown.width() > shown.height(), qPrintable(QString("%1x%2").arg(shown.width()).arg(shown.height())));
     }
 
     void secondEditorInOneProcessIsRefusedUntilRelease()
