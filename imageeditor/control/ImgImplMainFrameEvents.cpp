@@ -1,9 +1,7 @@
 #include "ImgImplMainFrame.h"
 
 #include "ImgEditorErrEvent.h"
-#include "ImgImplImageStore.h"
 #include "ImgImplMenuEvent.h"
-#include "ImgImplServiceMgr.h"
 #include "ImgSvcCtlEvent.h"
 #include "ZSoftKey.h"
 
@@ -81,8 +79,7 @@ void ImgImplMainFrame::slotRightBtnClicked()
         return;
     }
     disableUserInput(USER_INPUT_BLOCK_MS);
-    MMImageSource *tmp = imageStore->getTmpSource(0);
-    serviceMgr->processCmdList(*tmp, *tmp, cmdList);
+    replayedTmpSource(0);
     postToSelf(new ImgSvcCtlEvent(CTL_EVENT_APPLY, EVT_SVC_DONE));
 }
 

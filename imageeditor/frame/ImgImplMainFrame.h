@@ -17,6 +17,7 @@ class ImgSvcCtlEvent;
 class ImgSvcLayoutWidget;
 class ImgSvcViewer;
 class MMCommand;
+class MMImageSource;
 class QTimer;
 class ZOptionsMenu;
 class ZSoftKey;
@@ -109,6 +110,7 @@ private:
     void appendOverlayCommands();
     void closeService(int eventType);
     void clearCommands();
+    MMImageSource *replayedTmpSource(int realSize);
     void setRightKeyText(const char *key, const char *english);
 
     // Save flow (operations/).

@@ -100,8 +100,7 @@ void ImgImplMainFrame::startCrop()
     ImgSvcCropCtl *control = crop->getCropCtl();
     control->setCropMoveStep(1, 15);
     control->setEventReceiver(this);
-    MMImageSource *tmp = imageStore->getTmpSource(0);
-    serviceMgr->processCmdList(*tmp, *tmp, cmdList);
+    MMImageSource *tmp = replayedTmpSource(0);
     control->setInput(tmp);
     control->refresh(true);
     control->setOutput(tmp);
@@ -114,8 +113,7 @@ void ImgImplMainFrame::startCrop()
 
 void ImgImplMainFrame::startResize()
 {
-    MMImageSource *tmp = imageStore->getTmpSource(1);
-    serviceMgr->processCmdList(*tmp, *tmp, cmdList);
+    MMImageSource *tmp = replayedTmpSource(1);
     auto *resize = static_cast<ImgSvcResizeMgr *>(serviceMgr->getService(SERVICE_RESIZE));
     ImgSvcResizeCtl *control = resize->getResizeCtl();
     control->setEventReceiver(this);
@@ -126,8 +124,7 @@ void ImgImplMainFrame::startResize()
 
 void ImgImplMainFrame::startStyle()
 {
-    MMImageSource *tmp = imageStore->getTmpSource(0);
-    serviceMgr->processCmdList(*tmp, *tmp, cmdList);
+    MMImageSource *tmp = replayedTmpSource(0);
     auto *effect = static_cast<ImgSvcEffectMgr *>(serviceMgr->getService(SERVICE_EFFECT));
     ImgSvcEffectCtl *control = effect->getEffectCtl();
     control->setEventReceiver(this);
@@ -139,8 +136,7 @@ void ImgImplMainFrame::startStyle()
 
 void ImgImplMainFrame::startAddElement()
 {
-    MMImageSource *tmp = imageStore->getTmpSource(0);
-    serviceMgr->processCmdList(*tmp, *tmp, cmdList);
+    MMImageSource *tmp = replayedTmpSource(0);
     auto *overlay = static_cast<ImgSvcOverlayMgr *>(serviceMgr->getService(SERVICE_OVERLAY));
     ImgSvcOverlayCtl *control = overlay->getOverlayCtl();
     control->setEventReceiver(this);
@@ -292,6 +288,16 @@ void ImgImplMainFrame::closeService(int eventType)
     default:
         break;
     }
+}
+
+// The tmp copy with the pending commands applied in place, so that a
+// sub-editor or the save screen sees the picture as edited so far. The
+// replay's result is not looked at: the screen opens on what there is.
+MMImageSource *ImgImplMainFrame::replayedTmpSource(int realSize)
+{
+    MMImageSource *tmp = imageStore->getTmpSource(realSize);
+    serviceMgr->processCmdList(*tmp, *tmp, cmdList);
+    return tmp;
 }
 
 void ImgImplMainFrame::clearCommands()

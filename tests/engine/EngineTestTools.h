@@ -9,6 +9,7 @@
 #include "MMOverlayImageCommand.h"
 #include "MMResizeCommand.h"
 #include "MMRotateCommand.h"
+#include "testimages.h"
 #include <QFile>
 #include <QImage>
 #include <QProcess>
@@ -74,17 +75,8 @@ inline QImage photo(int width, int height)
     return image;
 }
 
-inline QByteArray bytes(const QString &path)
-{
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-}
-
-inline bool writeBytes(const QString &path, const QByteArray &data)
-{
-    QFile f(path);
-    return f.open(QIODevice::WriteOnly | QIODevice::Truncate) && f.write(data) == data.size();
-}
+using testimages::bytes;
+using testimages::writeBytes;
 
 inline MMImageSource source(const QString &path, MMImageSource::ImageSourceType type = MMImageSource::SOURCE_FILE)
 {
