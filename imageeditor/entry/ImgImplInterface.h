@@ -4,7 +4,7 @@
 // its own event loop, not inside the signal), and launches again only after
 // release.
 
-#define IMGIMPL_EXPORT __attribute__((visibility("default")))
+#include "voimageeditor_export.h"
 
 class ImgImplMainFrame;
 class QString;

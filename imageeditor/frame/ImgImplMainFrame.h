@@ -1,6 +1,6 @@
 #pragma once
 #include "ImgEditorTypes.h"
-#include "ImgImplInterface.h" // IMGIMPL_EXPORT
+#include "voimageeditor_export.h"
 #include "ZKbMainWidget.h"
 
 #include <QString>
