@@ -2,6 +2,7 @@
 
 #include "ImgEditor5wayBtn.h"
 #include "ImgImplImageStore.h"
+#include "ImgImplMenuItems.h"
 #include "ImgImplServiceMgr.h"
 #include "ImgImplStatMachine.h"
 #include "ImgSvcLayout.h"
@@ -16,13 +17,6 @@
 
 #include <QCoreApplication>
 #include <QTimer>
-
-namespace {
-QString frameText(const char *key, const char *english)
-{
-    return QCoreApplication::translate("ImgImplMainFrame", key, english);
-}
-} // namespace
 
 ImgImplMainFrame::ImgImplMainFrame(const QString &file, QWidget *parent, const char *name, unsigned int flags)
     : ZKbMainWidget(parent, name, flags),
@@ -48,7 +42,7 @@ ImgImplMainFrame::ImgImplMainFrame(const QString &file, QWidget *parent, const c
     initSoftKey();
     initLayout();
     init5wayBtn();
-    setMainWidgetTitle(frameText("TXT_RID_OPTION_EDIT", "Edit"));
+    setMainWidgetTitle(tr("TXT_RID_OPTION_EDIT", "Edit"));
     showPreview();
 
     statMachine = new ImgImplStatMachine();
@@ -89,7 +83,7 @@ void ImgImplMainFrame::initSoftKey()
     delete softKey;
     softKey = nullptr;
     softKey = getSoftKey(true);
-    softKey->setText(ZSoftKey::LEFT, frameText("TXT_RID_SOFTKEY_OPTIONS", "Options"), ZSoftKey::PRIORITY_NORMAL);
+    softKey->setText(ZSoftKey::LEFT, tr("TXT_RID_SOFTKEY_OPTIONS", "Options"), ZSoftKey::PRIORITY_NORMAL);
     softKey->setText(ZSoftKey::RIGHT, QObject::tr("TXT_RID_SOFTKEY_BACK", "Back"), ZSoftKey::PRIORITY_NORMAL);
     softKey->setClickedSlot(ZSoftKey::RIGHT, this, "1slotRightBtnClicked()");
     softKey->setOptMenu(ZSoftKey::LEFT, optionsMenu);
@@ -133,14 +127,14 @@ void ImgImplMainFrame::reloadImage(const QString &file)
     MMImageSource *real = imageStore->getRealSource();
     const QString realName = real ? QString::fromUtf8(real->getFileName().c_str()) : QString();
     showPreview();
-    optionsMenu->setItemHide(7, !ImgImplImageStore::isEditableImage(realName));
+    optionsMenu->setItemHide(OPT_ITEM_ADD_ELEMENTS, !ImgImplImageStore::isEditableImage(realName));
 }
 
 void ImgImplMainFrame::reportUnusableImage()
 {
     const QString text = imageStore->isEmpty()
-        ? frameText("TXT_RID_NOTICE_NO_WORKING_STORAGE",
+        ? tr("TXT_RID_NOTICE_NO_WORKING_STORAGE",
                     "The editor's working storage can not be used, so the picture can not be edited.")
-        : frameText("TXT_RID_NOTICE_CANNOT_OPEN_IMAGE", "The picture can not be opened for editing.");
+        : tr("TXT_RID_NOTICE_CANNOT_OPEN_IMAGE", "The picture can not be opened for editing.");
     ZNoticeDlg::information(text, QString(), QString(), QString(), this, "1slotRightBtnClicked()");
 }

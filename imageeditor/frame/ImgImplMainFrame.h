@@ -3,6 +3,7 @@
 #include "voimageeditor_export.h"
 #include "ZKbMainWidget.h"
 
+#include <QRect>
 #include <QString>
 #include <list>
 #include <vector>
@@ -98,7 +99,7 @@ private:
     void startResize();
     void startStyle();
     void startAddElement();
-    void discardEdits();
+    void dropEditsAndReload();
     void handleMenuEvent(ImgImplMenuEvent *event);
     void handleCtlEvent(ImgSvcCtlEvent *event);
     void onServiceDone(ImgSvcCtlEvent *event);
@@ -111,14 +112,14 @@ private:
     void closeService(int eventType);
     void clearCommands();
     MMImageSource *replayedTmpSource(int realSize);
-    void setRightKeyText(const char *key, const char *english);
+    void setRightKeyText(const QString &text);
+    QRect realCropRect() const;
 
     // Save flow (operations/).
     void startSave(ImgSvcCtlEvent *event);
     void saveToOriginal();
     void saveAsNewFile();
     void showMemoryFullNotice();
-    void resetAfterSave();
 
     ImgImplServiceMgr *serviceMgr;
     ImgImplStatMachine *statMachine;

@@ -1,6 +1,7 @@
 #include "ImgImplMainFrame.h"
 
 #include "ImgImplImageStore.h"
+#include "ImgImplMenuItems.h"
 #include "ImgImplMenuEvent.h"
 #include "ImgImplServiceMgr.h"
 #include "ImgImplStatMachine.h"
@@ -32,8 +33,6 @@
 // edited file changes only when the commands are replayed by a save.
 
 namespace {
-constexpr int OPT_ITEM_CANCEL = 9;
-
 MMCommand *rotation(int degree)
 {
     auto *command = new MMRotateCommand();
@@ -54,16 +53,16 @@ MMRect toMMRect(const QRect &r)
 }
 } // namespace
 
-void ImgImplMainFrame::setRightKeyText(const char *key, const char *english)
+void ImgImplMainFrame::setRightKeyText(const QString &text)
 {
-    softKey->setText(ZSoftKey::RIGHT, QObject::tr(key, english), ZSoftKey::PRIORITY_NORMAL);
+    softKey->setText(ZSoftKey::RIGHT, text, ZSoftKey::PRIORITY_NORMAL);
 }
 
 void ImgImplMainFrame::markEdited()
 {
     modified = true;
     optionsMenu->setItemHide(OPT_ITEM_CANCEL, false);
-    setRightKeyText("TXT_RID_SOFTKEY_APPLY", "Apply");
+    setRightKeyText(QObject::tr("TXT_RID_SOFTKEY_APPLY", "Apply"));
 }
 
 void ImgImplMainFrame::rotate90Left()
@@ -160,7 +159,7 @@ void ImgImplMainFrame::handleMenuEvent(ImgImplMenuEvent *event)
     case EVT_RESIZE: startResize(); break;
     case EVT_STYLE: startStyle(); break;
     case EVT_ADD_ELEMENT: startAddElement(); break;
-    case EVT_CANCEL: discardEdits(); break;
+    case EVT_CANCEL: dropEditsAndReload(); break;
     default: break;
     }
     emit sigChangeStat(statMachine->getNextStat(id));
@@ -213,14 +212,21 @@ void ImgImplMainFrame::appendServiceCommand(ImgSvcCtlEvent *event)
     }
 }
 
-void ImgImplMainFrame::appendCropCommand()
+// The crop screen works on the preview when there is one; the command and
+// the size shown on the save screen are in real-size pixels.
+QRect ImgImplMainFrame::realCropRect() const
 {
     auto *crop = static_cast<ImgSvcCropMgr *>(serviceMgr->getService(SERVICE_CROP));
     QRect rect = crop->getCropCtl()->getCropRect();
     if (imageStore->hasPreview)
         imageStore->mapToRealRect(rect);
+    return rect;
+}
+
+void ImgImplMainFrame::appendCropCommand()
+{
     auto *command = new MMCropCommand();
-    command->setRect(toMMRect(rect));
+    command->setRect(toMMRect(realCropRect()));
     cmdList.push_back(command);
 }
 
@@ -312,12 +318,13 @@ void ImgImplMainFrame::clearCommands()
     overlayTmpFiles.clear();
 }
 
-void ImgImplMainFrame::discardEdits()
+// Cancel and the end of every save, written or not: the pending edits go,
+// and the editor starts over from the file as it is on disk.
+void ImgImplMainFrame::dropEditsAndReload()
 {
     reloadImage(originalFile);
-    viewer->updateViewer();
     optionsMenu->setItemHide(OPT_ITEM_CANCEL, true);
-    setRightKeyText("TXT_RID_SOFTKEY_BACK", "Back");
+    setRightKeyText(QObject::tr("TXT_RID_SOFTKEY_BACK", "Back"));
     modified = false;
     clearCommands();
 }

@@ -22,10 +22,6 @@
 // The save flow: edits reach a file only from the save screen, replayed on
 // the real-size copy so that the written file has full resolution.
 
-namespace {
-constexpr int OPT_ITEM_CANCEL = 9;
-}
-
 void ImgImplMainFrame::startSave(ImgSvcCtlEvent *event)
 {
     ImgSvcSaveMgr *save = serviceMgr->getSaveMgr();
@@ -38,10 +34,7 @@ void ImgImplMainFrame::startSave(ImgSvcCtlEvent *event)
         return imageStore->hasPreview ? imageStore->getPreviewSource() : imageStore->getTmpSource(1);
     };
     if (type == CTL_EVENT_CROP) {
-        auto *crop = static_cast<ImgSvcCropMgr *>(serviceMgr->getService(SERVICE_CROP));
-        QRect rect = crop->getCropCtl()->getCropRect();
-        if (imageStore->hasPreview)
-            imageStore->mapToRealRect(rect);
+        const QRect rect = realCropRect();
         save->setOriginalFileName(originalFile,
                                   QSize(rect.right() - rect.left() + 1, rect.bottom() - rect.top() + 1));
         control->setInput(imageStore->getTmpSource(0));
@@ -60,15 +53,6 @@ void ImgImplMainFrame::startSave(ImgSvcCtlEvent *event)
     save->activateWindow();
 }
 
-void ImgImplMainFrame::resetAfterSave()
-{
-    reloadImage(originalFile);
-    optionsMenu->setItemHide(OPT_ITEM_CANCEL, true);
-    setRightKeyText("TXT_RID_SOFTKEY_BACK", "Back");
-    modified = false;
-    clearCommands();
-}
-
 void ImgImplMainFrame::saveToOriginal()
 {
     MMImageSource *real = imageStore->getRealSource();
@@ -77,7 +61,7 @@ void ImgImplMainFrame::saveToOriginal()
         if (imageStore->saveToOriginalFile() != 0)
             showMemoryFullNotice();
     }
-    resetAfterSave();
+    dropEditsAndReload();
 }
 
 void ImgImplMainFrame::saveAsNewFile()
@@ -103,7 +87,7 @@ void ImgImplMainFrame::saveAsNewFile()
             delete destination;
         }
     }
-    resetAfterSave();
+    dropEditsAndReload();
 }
 
 void ImgImplMainFrame::showMemoryFullNotice()

@@ -1,5 +1,6 @@
 #pragma once
 // Helpers for tests that drive a whole editor window.
+#include "ImgImplInterface.h"
 #include "ZNoticeDlg.h"
 
 #include <QApplication>
@@ -26,6 +27,14 @@ inline ZNoticeDlg *visibleNotice()
             return n;
     }
     return nullptr;
+}
+
+// Ends a test case: the editor released, no notice left on screen.
+inline void releaseEditorAndNotices()
+{
+    ImgImplInterface::releaseImageEditor();
+    while (ZNoticeDlg *n = visibleNotice())
+        n->close();
 }
 
 // Window of a given class that is on screen, if any.

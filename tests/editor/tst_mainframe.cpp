@@ -3,6 +3,7 @@
 #include "ImgImplInterface.h"
 #include "ImgImplMainFrame.h"
 #include "ImgImplMenuEvent.h"
+#include "ImgImplMenuItems.h"
 #include "ImgImplStatMachine.h"
 #include "ImgSvcLayout.h"
 #include "ImgSvcSaveMgr.h"
@@ -68,12 +69,7 @@ class TestMainFrame : public QObject
 private slots:
     void init() { ImgImplImageStore::setWorkingDirForTest(m_work.path()); }
 
-    void cleanup()
-    {
-        ImgImplInterface::releaseImageEditor();
-        while (ZNoticeDlg *n = visibleNotice())
-            n->close();
-    }
+    void cleanup() { editortest::releaseEditorAndNotices(); }
 
     void launchShowsTitleSoftKeysAndPreview_data()
     {
@@ -105,9 +101,14 @@ private slots:
         QTest::addColumn<int>("w");
         QTest::addColumn<int>("h");
         QTest::addColumn<QList<int>>("visible");
-        QTest::newRow("editable") << 320 << 240 << QList<int>{1, 2, 3, 4, 5, 6, 7, 8};
-        QTest::newRow("too many pixels") << 641 << 480 << QList<int>{1, 2, 3, 4, 5, 6, 8};
-        QTest::newRow("too narrow") << 20 << 300 << QList<int>{1, 2, 3, 4, 5, 6, 8};
+        const QList<int> all{OPT_ITEM_ROTATE_90_LEFT, OPT_ITEM_ROTATE_90_RIGHT, OPT_ITEM_MIRROR_HORIZONTAL,
+                             OPT_ITEM_MIRROR_VERTICAL, OPT_ITEM_CROP, OPT_ITEM_RESIZE, OPT_ITEM_ADD_ELEMENTS,
+                             OPT_ITEM_STYLE};
+        QList<int> withoutElements = all;
+        withoutElements.removeOne(OPT_ITEM_ADD_ELEMENTS);
+        QTest::newRow("editable") << 320 << 240 << all;
+        QTest::newRow("too many pixels") << 641 << 480 << withoutElements;
+        QTest::newRow("too narrow") << 20 << 300 << withoutElements;
     }
 
     void menuShowsEightItemsOrSevenForNonEditable()
@@ -118,9 +119,9 @@ private slots:
         auto *frame = ImgImplInterface::launchImageEditor(photo(QString("m%1x%2.png").arg(w).arg(h), w, h), nullptr, nullptr);
         ZOptionsMenu *menu = frame->menu();
         QCOMPARE(menu->visibleItemIds(), visible);
-        QCOMPARE(menu->itemText(1), QString("Rotate 90 left"));
-        QCOMPARE(menu->itemText(8), QString("Style"));
-        QCOMPARE(menu->itemText(9), QString("Cancel"));
+        QCOMPARE(menu->itemText(OPT_ITEM_ROTATE_90_LEFT), QString("Rotate 90 left"));
+        QCOMPARE(menu->itemText(OPT_ITEM_STYLE), QString("Style"));
+        QCOMPARE(menu->itemText(OPT_ITEM_CANCEL), QString("Cancel"));
         // Open, the menu lies in the home area above the soft keys.
         press(frame, Qt::Key_Context1);
         QVERIFY(menu->isOpen());
@@ -140,7 +141,7 @@ private slots:
         QVERIFY(!frame->menu()->isOpen());
         QTRY_COMPARE(rotationDegrees(frame), QList<int>{90});
         QCOMPARE(frame->softKeys()->text(ZSoftKey::RIGHT), QString("Apply"));
-        QVERIFY(!frame->menu()->isItemHidden(9));
+        QVERIFY(!frame->menu()->isItemHidden(OPT_ITEM_CANCEL));
 
         // Mirror horizontal is the third item, mirror vertical the fourth.
         press(frame, Qt::Key_Context1);
@@ -153,11 +154,11 @@ private slots:
         press(frame, Qt::Key_Context1);
         for (int i = 0; i < 8; ++i)
             press(frame->menu(), Qt::Key_Down);
-        QCOMPARE(frame->menu()->currentItemId(), 9);
+        QCOMPARE(frame->menu()->currentItemId(), int(OPT_ITEM_CANCEL));
         press(frame->menu(), Qt::Key_Select);
         QTRY_VERIFY(frame->pendingCommands().empty());
         QCOMPARE(frame->softKeys()->text(ZSoftKey::RIGHT), QString("Back"));
-        QVERIFY(frame->menu()->isItemHidden(9));
+        QVERIFY(frame->menu()->isItemHidden(OPT_ITEM_CANCEL));
         QVERIFY(!frame->isModified());
     }
 
@@ -185,12 +186,10 @@ private slots:
         QCOMPARE(frame->stateMachine()->currentStat(), commands.isEmpty() ? STAT_END : STAT_MAIN);
     }
 
-    void upAndDownRotateEvenWhileBlocked()
+    void upAndDownRotateLeftAndRightDoNot()
     {
         auto *frame = ImgImplInterface::launchImageEditor(photo("u.png", 320, 240), nullptr, nullptr);
         const QSize shown = frame->imageViewer()->displayImage().size();
-        QVERIFY(QMetaObject::invokeMethod(frame, "disableUserInput", Q_ARG(int, -1)));
-        QVERIFY(!frame->softKeys()->isButtonEnabled(ZSoftKey::LEFT));
         press(frame, Qt::Key_Up);
         press(frame, Qt::Key_Up);
         press(frame, Qt::Key_Down);
@@ -198,51 +197,30 @@ private slots:
         press(frame, Qt::Key_Right);
         QCOMPARE(rotationDegrees(frame), (QList<int>{90, 90, -90}));
         QCOMPARE(frame->imageViewer()->displayImage().size(), shown.transposed());
-        // The blocked right key does not apply.
-        press(frame, Qt::Key_Context2);
-        settle();
-        QCOMPARE(frame->stateMachine()->currentStat(), STAT_MAIN);
     }
 
-    void gatingArmsOneSingleShotWithFloor_data()
+    // Choosing a sub-editor blocks both soft keys for a while, so that a
+    // second press can not reach the editor while the service comes up; the
+    // turn keys stay live.
+    void subEditorBlocksTheSoftKeysForAWhile()
     {
-        QTest::addColumn<QList<int>>("blocks");
-        QTest::addColumn<int>("interval"); // -1: no running timer
-        QTest::newRow("50 raised to 200") << QList<int>{50} << 200;
-        QTest::newRow("0 raised to 200") << QList<int>{0} << 200;
-        QTest::newRow("2000") << QList<int>{2000} << 2000;
-        QTest::newRow("negative: no timer") << QList<int>{-1} << -1;
-        QTest::newRow("restart keeps the last") << QList<int>{2000, 300} << 300;
-    }
-
-    void gatingArmsOneSingleShotWithFloor()
-    {
-        QFETCH(QList<int>, blocks);
-        QFETCH(int, interval);
         auto *frame = ImgImplInterface::launchImageEditor(photo("g.png"), nullptr, nullptr);
-        for (int ms : blocks)
-            QVERIFY(QMetaObject::invokeMethod(frame, "disableUserInput", Q_ARG(int, ms)));
+        press(frame, Qt::Key_Context1);
+        while (frame->menu()->currentItemId() != OPT_ITEM_CROP)
+            press(frame->menu(), Qt::Key_Down);
+        press(frame->menu(), Qt::Key_Select);
         QVERIFY(!frame->softKeys()->isButtonEnabled(ZSoftKey::LEFT));
         QVERIFY(!frame->softKeys()->isButtonEnabled(ZSoftKey::RIGHT));
-        QCOMPARE(frame->inputTimer()->isActive(), interval >= 0);
-        if (interval >= 0) {
-            QVERIFY(frame->inputTimer()->isSingleShot());
-            QCOMPARE(frame->inputTimer()->interval(), interval);
-        }
-        QVERIFY(QMetaObject::invokeMethod(frame, "enableUserInput"));
-        QVERIFY(!frame->inputTimer()->isActive());
-        QVERIFY(frame->softKeys()->isButtonEnabled(ZSoftKey::LEFT));
-        QVERIFY(frame->softKeys()->isButtonEnabled(ZSoftKey::RIGHT));
-    }
-
-    void timerReenablesAndIsRecreatedOnDemand()
-    {
-        auto *frame = ImgImplInterface::launchImageEditor(photo("t.png"), nullptr, nullptr);
-        QVERIFY(QMetaObject::invokeMethod(frame, "destroyUserInputEnableTimer"));
-        QVERIFY(!frame->inputTimer());
-        QVERIFY(QMetaObject::invokeMethod(frame, "disableUserInput", Q_ARG(int, 10)));
-        QVERIFY(frame->inputTimer());
-        QTRY_VERIFY_WITH_TIMEOUT(frame->softKeys()->isButtonEnabled(ZSoftKey::RIGHT), 2000);
+        QVERIFY(frame->inputTimer()->isActive());
+        QVERIFY(frame->inputTimer()->isSingleShot());
+        QCOMPARE(frame->inputTimer()->interval(), 2000);
+        settle();
+        QCOMPARE(frame->stateMachine()->currentStat(), STAT_CROP);
+        press(frame, Qt::Key_Context2); // blocked: does not leave or apply
+        settle();
+        QVERIFY(frame->isVisible());
+        QCOMPARE(frame->stateMachine()->currentStat(), STAT_CROP);
+        QTRY_VERIFY_WITH_TIMEOUT(frame->softKeys()->isButtonEnabled(ZSoftKey::RIGHT), 5000);
         QVERIFY(frame->softKeys()->isButtonEnabled(ZSoftKey::LEFT));
     }
 
