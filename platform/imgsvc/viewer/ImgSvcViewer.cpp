@@ -3,7 +3,6 @@
 #include "MMImageSource.h"
 #include "ZGlobal.h"
 #include <QResizeEvent>
-#include <QTransform>
 
 ImgSvcViewer::ImgSvcViewer(QWidget *canvas, QWidget *parent, const char *name, unsigned int flags) : ImgSvcPictureView(parent)
 {
@@ -22,7 +21,7 @@ void ImgSvcViewer::setInput(MMImageSource *source)
 
 void ImgSvcViewer::createFitWindowImage()
 {
-    m_edits.clear();
+    m_turn = MMOrientation();
     const QSize bound = testAttribute(Qt::WA_Resized) && !size().isEmpty() ? size() : ZGlobal::getHomeR(false).size();
     decode(bound);
 }
@@ -32,24 +31,27 @@ void ImgSvcViewer::updateViewer()
     update();
 }
 
+// Turns and mirrors compose into one orientation, the same arithmetic the
+// engine uses to fold the queued commands when it saves, so the preview
+// shows exactly what the save will write.
 void ImgSvcViewer::rotate90L()
 {
-    applyEdit(Edit::RotateLeft);
+    applyTurn(MMOrientation::rotation(-90));
 }
 
 void ImgSvcViewer::rotate90R()
 {
-    applyEdit(Edit::RotateRight);
+    applyTurn(MMOrientation::rotation(90));
 }
 
 void ImgSvcViewer::mirrorH()
 {
-    applyEdit(Edit::MirrorH);
+    applyTurn(MMOrientation::mirror(true));
 }
 
 void ImgSvcViewer::mirrorV()
 {
-    applyEdit(Edit::MirrorV);
+    applyTurn(MMOrientation::mirror(false));
 }
 
 void ImgSvcViewer::resizeEvent(QResizeEvent *event)
@@ -65,34 +67,13 @@ void ImgSvcViewer::decode(const QSize &bound)
 {
     m_bound = bound;
     QImage shown;
-    if (m_input) {
-        shown = MMImageDecoder::decodeFitting(QString::fromStdString(m_input->getFileName()), bound);
-        for (Edit e : m_edits)
-            shown = transformed(shown, e);
-    }
+    if (m_input)
+        shown = m_turn.apply(MMImageDecoder::decodeFitting(QString::fromStdString(m_input->getFileName()), bound));
     setPicture(shown);
 }
 
-void ImgSvcViewer::applyEdit(Edit edit)
+void ImgSvcViewer::applyTurn(const MMOrientation &turn)
 {
-    m_edits.push_back(edit);
-    setPicture(transformed(picture(), edit));
-}
-
-QImage ImgSvcViewer::transformed(const QImage &image, Edit edit)
-{
-    if (image.isNull())
-        return image;
-    // Quarter turns and mirrors move whole pixels; Qt does them exactly.
-    switch (edit) {
-    case Edit::RotateLeft:
-        return image.transformed(QTransform().rotate(-90));
-    case Edit::RotateRight:
-        return image.transformed(QTransform().rotate(90));
-    case Edit::MirrorH:
-        return image.mirrored(true, false);
-    case Edit::MirrorV:
-        return image.mirrored(false, true);
-    }
-    return image;
+    m_turn = m_turn.then(turn);
+    setPicture(turn.apply(picture()));
 }

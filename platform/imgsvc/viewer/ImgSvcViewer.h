@@ -1,6 +1,6 @@
 #pragma once
 #include "ImgSvcPictureView.h"
-#include <vector>
+#include "MMOrientation.h"
 
 // Shows its input image fitted to the widget, centred, aspect kept. The
 // rotations and mirrors change only what is displayed, never the file.
@@ -32,12 +32,10 @@ protected:
     void resizeEvent(QResizeEvent *event) override;
 
 private:
-    enum class Edit { RotateLeft, RotateRight, MirrorH, MirrorV };
     void decode(const QSize &bound);
-    void applyEdit(Edit edit);
-    static QImage transformed(const QImage &image, Edit edit);
+    void applyTurn(const MMOrientation &turn);
 
     MMImageSource *m_input = nullptr;
     QSize m_bound;            // what the current picture was decoded to fit
-    std::vector<Edit> m_edits; // replayed when a resize decodes afresh
+    MMOrientation m_turn; // the display-only edits, applied again when a resize decodes afresh
 };
