@@ -6,6 +6,7 @@ set -euo pipefail
 PACKAGES=(
   build-essential cmake pkg-config
   qt6-base-dev qt6-base-dev-tools qt6-qpa-plugins
+  qt6-tools-dev qt6-l10n-tools
   libturbojpeg0-dev libjpeg62-turbo-dev libexiv2-dev
   libjpeg-turbo-progs imagemagick libvips-tools libimage-exiftool-perl
   xvfb xauth fonts-dejavu-core

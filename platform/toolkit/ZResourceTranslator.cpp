@@ -1,26 +1,22 @@
 #include "ZResourceTranslator.h"
 #include <QCoreApplication>
 #include <QPointer>
+#include <QTranslator>
 
 namespace {
-QPointer<ZResourceTranslator> g_installed;
+// Where the build puts the compiled catalogues, voimageeditor_<lang>.qm.
+const char *const kCatalogueDir = ":/i18n";
+const char *const kCatalogue = "voimageeditor";
 
-// Qt's own lookups ("QT_LAYOUT_DIRECTION" and the like) also look like keys;
-// answering them with their comment would change Qt's behaviour.
-bool looksLikeResourceKey(const char *text)
+QPointer<QTranslator> g_english;
+QPointer<QTranslator> g_local;
+
+void drop(QPointer<QTranslator> &translator)
 {
-    if (!text || !*text)
-        return false;
-    const QByteArray key(text);
-    if (key.startsWith("TXT_RID_") || key.startsWith("RESID_"))
-        return true;
-    if (key.startsWith("QT_") || !(key[0] >= 'A' && key[0] <= 'Z') || !key.contains('_'))
-        return false;
-    for (char c : key) {
-        if (!((c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_'))
-            return false;
-    }
-    return true;
+    if (!translator)
+        return;
+    QCoreApplication::removeTranslator(translator);
+    delete translator.data();
 }
 
 void installAtStartup()
@@ -29,27 +25,36 @@ void installAtStartup()
 }
 } // namespace
 
-// Installing from the application's constructor puts the fallback first in
-// line, so every translation the host installs afterwards is asked before it.
+// From the application's constructor, so that the first window already
+// speaks the user's language.
 Q_COREAPP_STARTUP_FUNCTION(installAtStartup)
 
 void ZResourceTranslator::ensureInstalled()
 {
-    QCoreApplication *app = QCoreApplication::instance();
-    if (!app || g_installed)
-        return;
-    auto *translator = new ZResourceTranslator;
-    translator->setParent(app); // goes away with the application
-    g_installed = translator;
-    QCoreApplication::installTranslator(translator);
+    if (QCoreApplication::instance() && !g_english)
+        install(QLocale());
 }
 
-QString ZResourceTranslator::translate(const char *context, const char *sourceText, const char *disambiguation,
-                                       int n) const
+QString ZResourceTranslator::install(const QLocale &locale)
 {
-    Q_UNUSED(context);
-    Q_UNUSED(n);
-    if (!disambiguation || !*disambiguation || !looksLikeResourceKey(sourceText))
-        return QString(); // no translation: Qt falls back to the source text
-    return QString::fromUtf8(disambiguation);
+    QCoreApplication *app = QCoreApplication::instance();
+    if (!app)
+        return QString();
+    drop(g_local);
+    drop(g_english);
+
+    // Installed first, so asked last: the fallback for every language.
+    g_english = new QTranslator(app);
+    if (g_english->load(QString::fromLatin1(kCatalogue) + QLatin1String("_en"), QLatin1String(kCatalogueDir)))
+        QCoreApplication::installTranslator(g_english);
+
+    auto *local = new QTranslator(app);
+    if (!local->load(locale, QLatin1String(kCatalogue), QLatin1String("_"), QLatin1String(kCatalogueDir))
+        || local->language().startsWith(QLatin1String("en"))) {
+        delete local;
+        return QStringLiteral("en");
+    }
+    g_local = local;
+    QCoreApplication::installTranslator(local);
+    return local->language();
 }

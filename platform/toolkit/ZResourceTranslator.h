@@ -1,17 +1,18 @@
 #pragma once
-#include <QTranslator>
+#include <QLocale>
+#include <QString>
 
-// Texts are looked up with a resource key as source text and the English
-// wording as comment. With no translation loaded, Qt would show the key;
-// this fallback shows the English wording instead. Installed once, before
-// any real translation, so that a loaded translation still takes precedence.
-class ZResourceTranslator : public QTranslator
+// The language pack. Every text of the screens, resource keys included, is
+// looked up through Qt's translators in catalogues built from
+// translations/*.ts and carried in this library. English is always
+// installed, so a text that a language lacks shows its English wording; the
+// catalogue of the locale's language, when there is one, is asked first.
+class ZResourceTranslator
 {
-    Q_OBJECT
 public:
+    // Installs the catalogues for the system locale, once per application.
     static void ensureInstalled();
-
-    bool isEmpty() const override { return false; }
-    QString translate(const char *context, const char *sourceText, const char *disambiguation = nullptr,
-                      int n = -1) const override;
+    // Replaces the installed catalogues with those for locale. Returns the
+    // language shown: the locale's, or "en" when it has no catalogue.
+    static QString install(const QLocale &locale);
 };

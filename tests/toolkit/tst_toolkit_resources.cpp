@@ -4,20 +4,6 @@
 #include <QCoreApplication>
 #include <QImage>
 #include <QTest>
-#include <QTranslator>
-
-namespace {
-// A loaded translation, as the host installs one.
-class GermanTranslator final : public QTranslator
-{
-public:
-    bool isEmpty() const override { return false; }
-    QString translate(const char *, const char *sourceText, const char *, int) const override
-    {
-        return QByteArray(sourceText) == "TXT_RID_SOFTKEY_BACK" ? QStringLiteral("Zurück") : QString();
-    }
-};
-} // namespace
 
 class tst_ToolkitResources : public QObject
 {
@@ -26,8 +12,8 @@ private slots:
     void cleanup() { qunsetenv("VO_SCREEN_SIZE"); }
     void screenGeometry_data();
     void screenGeometry();
-    void translatorFallback_data();
-    void translatorFallback();
+    void languagePack_data();
+    void languagePack();
     void skinIcons_data();
     void skinIcons();
 };
@@ -64,37 +50,42 @@ void tst_ToolkitResources::screenGeometry()
     QVERIFY(qAbs(keys.height() - screen.height() * 0.09) <= 1.0);
 }
 
-void tst_ToolkitResources::translatorFallback_data()
+void tst_ToolkitResources::languagePack_data()
 {
+    QTest::addColumn<QString>("locale");
+    QTest::addColumn<QString>("language");
+    QTest::addColumn<QString>("context");
     QTest::addColumn<QByteArray>("key");
     QTest::addColumn<QByteArray>("english");
-    QTest::addColumn<bool>("german");
     QTest::addColumn<QString>("shown");
-    QTest::newRow("German wins") << QByteArray("TXT_RID_SOFTKEY_BACK") << QByteArray("Back") << true << "Zurück";
-    QTest::newRow("German lacks it") << QByteArray("TXT_RID_SOFTKEY_OK") << QByteArray("OK") << true << "OK";
-    QTest::newRow("text key") << QByteArray("TXT_RID_SOFTKEY_BACK") << QByteArray("Back") << false << "Back";
-    QTest::newRow("capitals") << QByteArray("MENU_CROP") << QByteArray("Crop") << false << "Crop";
-    QTest::newRow("plain text") << QByteArray("Save picture") << QByteArray("button") << false << "Save picture";
-    QTest::newRow("one word") << QByteArray("CROP") << QByteArray("Crop") << false << "CROP";
-    QTest::newRow("no English") << QByteArray("TXT_RID_NOTHING") << QByteArray() << false << "TXT_RID_NOTHING";
-    QTest::newRow("Qt's own") << QByteArray("QT_LAYOUT_DIRECTION") << QByteArray("RTL") << false
-                              << "QT_LAYOUT_DIRECTION";
+    QTest::newRow("German") << "de_DE" << "de" << "ZNoticeDlg" << QByteArray("TXT_RID_NOTICE_ERROR")
+                            << QByteArray("Error") << "Fehler";
+    QTest::newRow("Swiss German") << "de_CH" << "de" << "ZNoticeDlg" << QByteArray("TXT_RID_NOTICE_WARNING")
+                                  << QByteArray("Warning") << "Warnung";
+    QTest::newRow("Italian: English") << "it_IT" << "en" << "ZNoticeDlg" << QByteArray("TXT_RID_NOTICE_ERROR")
+                                      << QByteArray("Error") << "Error";
+    QTest::newRow("C locale: English") << "C" << "en" << "ZNoticeDlg" << QByteArray("TXT_RID_NOTICE_WARNING")
+                                       << QByteArray("Warning") << "Warning";
+    // Texts outside the catalogues are Qt's business: a key stays a key.
+    QTest::newRow("unknown key") << "de_DE" << "de" << "ZNoticeDlg" << QByteArray("TXT_RID_NOTHING")
+                                 << QByteArray("Nothing") << "TXT_RID_NOTHING";
+    QTest::newRow("Qt's own") << "de_DE" << "de" << "QGuiApplication" << QByteArray("QT_LAYOUT_DIRECTION")
+                              << QByteArray() << "QT_LAYOUT_DIRECTION";
 }
 
-// The English text rides in the disambiguation; a translation loaded by the
-// host, even before the first window, is asked first.
-void tst_ToolkitResources::translatorFallback()
+// The keys are translated by the built catalogues; a locale without one
+// gets English, and switching replaces the language rather than stacking.
+void tst_ToolkitResources::languagePack()
 {
+    QFETCH(QString, locale);
+    QFETCH(QString, language);
+    QFETCH(QString, context);
     QFETCH(QByteArray, key);
     QFETCH(QByteArray, english);
-    QFETCH(bool, german);
     QFETCH(QString, shown);
-    GermanTranslator translator; // removes itself when destroyed
-    if (german)
-        QCoreApplication::installTranslator(&translator);
-    ZResourceTranslator::ensureInstalled(); // what every window and popup does
+    QCOMPARE(ZResourceTranslator::install(QLocale(locale)), language);
     const char *comment = english.isNull() ? nullptr : english.constData();
-    QCOMPARE(QCoreApplication::translate("ImgEditor", key.constData(), comment), shown);
+    QCOMPARE(QCoreApplication::translate(context.toLatin1().constData(), key.constData(), comment), shown);
 }
 
 void tst_ToolkitResources::skinIcons_data()

@@ -5,13 +5,13 @@
 const char *MMEffectCommand::effectName(int effect)
 {
     switch (effect) {
-    case EFFECT_NONE: return "None";
-    case EFFECT_GRAYSCALE: return "Grayscale";
-    case EFFECT_SEPIA: return "Sepia";
-    case EFFECT_NEGATIVE: return "Negative";
-    case EFFECT_SOFT_FOCUS: return "Soft focus";
-    case EFFECT_SHARPEN: return "Sharpen";
-    case EFFECT_EMBOSS: return "Emboss";
+    case EFFECT_NONE: return QT_TRANSLATE_NOOP("MMEffectCommand", "None");
+    case EFFECT_GRAYSCALE: return QT_TRANSLATE_NOOP("MMEffectCommand", "Grayscale");
+    case EFFECT_SEPIA: return QT_TRANSLATE_NOOP("MMEffectCommand", "Sepia");
+    case EFFECT_NEGATIVE: return QT_TRANSLATE_NOOP("MMEffectCommand", "Negative");
+    case EFFECT_SOFT_FOCUS: return QT_TRANSLATE_NOOP("MMEffectCommand", "Soft focus");
+    case EFFECT_SHARPEN: return QT_TRANSLATE_NOOP("MMEffectCommand", "Sharpen");
+    case EFFECT_EMBOSS: return QT_TRANSLATE_NOOP("MMEffectCommand", "Emboss");
     default: return "";
     }
 }

@@ -1,0 +1,103 @@
+// The editor in the user's language: chosen from the system locale at start
+// (this test runs with LC_ALL=de_DE.UTF-8), switched at run time, with English
+// for a locale that has no catalogue.
+#include "ImgImplImageStore.h"
+#include "ImgImplInterface.h"
+#include "ImgImplMainFrame.h"
+#include "ZOptionsMenu.h"
+#include "ZResourceTranslator.h"
+#include "ZSoftKey.h"
+#include "editortestutil.h"
+#include "testimages.h"
+
+#include <QTemporaryDir>
+#include <QtTest>
+
+using editortest::press;
+using editortest::visibleNotice;
+
+class TestLanguage : public QObject
+{
+    Q_OBJECT
+    QTemporaryDir m_work;
+    QTemporaryDir m_files;
+
+    QString photo()
+    {
+        const QString path = m_files.filePath("sprache.png");
+        if (!QFileInfo::exists(path))
+            testimages::write(path, 320, 240, "PNG");
+        return path;
+    }
+
+    static QStringList menuTexts(ImgImplMainFrame *frame)
+    {
+        QStringList texts;
+        for (int id : frame->menu()->visibleItemIds())
+            texts << frame->menu()->itemText(id);
+        return texts;
+    }
+
+private slots:
+    void init() { ImgImplImageStore::setWorkingDirForTest(m_work.path()); }
+
+    void cleanup() { editortest::releaseEditorAndNotices(); }
+
+    void startsInTheSystemLanguage()
+    {
+        QVERIFY2(QLocale::system().name().startsWith("de"), "run this test with LC_ALL=de_DE.UTF-8");
+        auto *frame = ImgImplInterface::launchImageEditor(photo(), nullptr, nullptr);
+        QCOMPARE(frame->mainWidgetTitle(), QString("Bearbeiten"));
+        QCOMPARE(frame->softKeys()->text(ZSoftKey::LEFT), QString("Optionen"));
+    }
+
+    void screensFollowTheChosenLanguage_data()
+    {
+        QTest::addColumn<QString>("locale");
+        QTest::addColumn<QString>("language");
+        QTest::addColumn<QStringList>("menu");
+        QTest::addColumn<QStringList>("softKeys"); // left, right, right after an edit
+        QTest::addColumn<QString>("inUse");
+        const QStringList german{"90° nach links drehen", "90° nach rechts drehen", "Horizontal spiegeln",
+                                 "Vertikal spiegeln", "Zuschneiden", "Größe ändern",
+                                 "Elemente hinzufügen", "Stil"};
+        const QStringList english{"Rotate 90 left", "Rotate 90 right", "Mirror Horizontal", "Mirror Vertical",
+                                  "Crop", "Resize", "Add Elements", "Style"};
+        const QString germanInUse =
+            "Die Datei wird gerade bearbeitet und kann nicht gleichzeitig mehrfach bearbeitet werden.";
+        const QString englishInUse =
+            "The file is being edited now, it can not be edited in more instances at one time.";
+        const QStringList germanKeys{"Optionen", "Zurück", "Übernehmen"};
+        const QStringList englishKeys{"Options", "Back", "Apply"};
+        QTest::newRow("German") << "de_DE" << "de" << german << germanKeys << germanInUse;
+        QTest::newRow("Austrian German") << "de_AT" << "de" << german << germanKeys << germanInUse;
+        QTest::newRow("French: no catalogue, English") << "fr_FR" << "en" << english << englishKeys << englishInUse;
+        QTest::newRow("English") << "en_GB" << "en" << english << englishKeys << englishInUse;
+    }
+
+    void screensFollowTheChosenLanguage()
+    {
+        QFETCH(QString, locale);
+        QFETCH(QString, language);
+        QFETCH(QStringList, menu);
+        QFETCH(QStringList, softKeys);
+        QFETCH(QString, inUse);
+        QCOMPARE(ZResourceTranslator::install(QLocale(locale)), language);
+
+        auto *frame = ImgImplInterface::launchImageEditor(photo(), nullptr, nullptr);
+        QCOMPARE(menuTexts(frame), menu);
+        QCOMPARE(frame->softKeys()->text(ZSoftKey::LEFT), softKeys.at(0));
+        QCOMPARE(frame->softKeys()->text(ZSoftKey::RIGHT), softKeys.at(1));
+        press(frame, Qt::Key_Up); // a quick edit: the right key now applies
+        QCOMPARE(frame->softKeys()->text(ZSoftKey::RIGHT), softKeys.at(2));
+
+        // A second editor on the same file is refused with a notice.
+        auto *second = new ImgImplMainFrame(photo(), nullptr, nullptr, 1);
+        QTRY_VERIFY(visibleNotice());
+        QCOMPARE(visibleNotice()->text(), inUse);
+        delete second;
+    }
+};
+
+QTEST_MAIN(TestLanguage)
+#include "tst_language.moc"
