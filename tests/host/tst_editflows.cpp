@@ -2,6 +2,7 @@
 // picture with a key script, and the file written is checked against a
 // reference made independently (ImageMagick), never against our own engine.
 #include "flowrunner.h"
+#include "requiretool.h"
 
 #include <sys/mount.h>
 #include <unistd.h>
@@ -186,8 +187,7 @@ private slots:
     {
         QVERIFY(m_root.isValid());
         QVERIFY2(QFileInfo(kViewer).isExecutable(), kViewer);
-        if (!convert({"-version"}).contains("ImageMagick"))
-            QSKIP("ImageMagick's convert is needed for the reference pictures");
+        VO_REQUIRE(convert({"-version"}).contains("ImageMagick"), "ImageMagick (for the reference pictures)");
         for (int i = 0; i < flowTable().size(); ++i) {
             const Flow &f = flowTable().at(i);
             const QSize size = f.size;

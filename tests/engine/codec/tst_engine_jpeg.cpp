@@ -7,6 +7,7 @@
 #include "MMJpegCodec.h"
 #include "MMJpegHeader.h"
 #include "MMJpegRegionDecoder.h"
+#include "requiretool.h"
 #include <QColorSpace>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -42,10 +43,11 @@ private:
 
 void TestEngineJpeg::initTestCase()
 {
-    for (const char *tool : { "cjpeg", "djpeg", "jpegtran", "exiftool", "identify" }) {
-        if (QStandardPaths::findExecutable(tool).isEmpty())
-            QSKIP(qPrintable(QString("reference tool %1 is not installed").arg(tool)));
-    }
+    VO_REQUIRE_TOOL("cjpeg");
+    VO_REQUIRE_TOOL("djpeg");
+    VO_REQUIRE_TOOL("jpegtran");
+    VO_REQUIRE_TOOL("exiftool");
+    VO_REQUIRE_TOOL("identify");
 }
 
 QString TestEngineJpeg::makeJpeg(const QImage &image, const QString &name, int quality)

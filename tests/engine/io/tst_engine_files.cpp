@@ -6,6 +6,7 @@
 #include "MMCommandRunner.h"
 #include "MMImageScaler.h"
 #include "MMImageDecoder.h"
+#include "requiretool.h"
 #include <QColorSpace>
 #include <QDir>
 #include <QTemporaryDir>
@@ -104,8 +105,7 @@ static qint64 memoryKb(const char *field)
 void TestEngineFiles::bigPhotoHeaderIsReadWithoutDecoding()
 {
     const QString file = "/usr/share/backgrounds/Kleiber_by_Lukas_Baubkus.jpg";
-    if (!QFile::exists(file))
-        QSKIP("the sample photos in /usr/share/backgrounds are not installed");
+    VO_REQUIRE_FILE(file);
     if (!resetPeakMemory())
         QSKIP("this kernel does not let a process reset its peak memory");
     qint64 before = memoryKb("VmRSS:");
@@ -127,8 +127,7 @@ void TestEngineFiles::bigPhotoHeaderIsReadWithoutDecoding()
 void TestEngineFiles::bigPhotoPreviewIsDecodedReduced()
 {
     const QString file = "/usr/share/backgrounds/Kleiber_by_Lukas_Baubkus.jpg";
-    if (!QFile::exists(file))
-        QSKIP("the sample photos in /usr/share/backgrounds are not installed");
+    VO_REQUIRE_FILE(file);
     if (!resetPeakMemory())
         QSKIP("this kernel does not let a process reset its peak memory");
     const qint64 before = memoryKb("VmRSS:");
@@ -154,8 +153,8 @@ void TestEngineFiles::oddSourcesEditLikeImageMagick()
 {
     QFETCH(QStringList, make);
     QFETCH(QString, name);
-    if (!run("convert", QStringList{ path("photo.png") } + make + QStringList{ path(name) }))
-        QSKIP("ImageMagick is not installed");
+    VO_REQUIRE_TOOL("convert");
+    QVERIFY(run("convert", QStringList{ path("photo.png") } + make + QStringList{ path(name) }));
     if (name == "exif.jpg") {
         // An EXIF block whose IFD offset points far outside it.
         QByteArray jpeg = bytes(path(name));
@@ -197,8 +196,7 @@ void TestEngineFiles::runnerMatchesImageMagick()
     QFETCH(QString, commands);
     QFETCH(QStringList, reference);
     QFETCH(bool, inPlace);
-    if (QStandardPaths::findExecutable("convert").isEmpty())
-        QSKIP("ImageMagick's convert is not installed");
+    VO_REQUIRE_TOOL("convert");
     const QString in = inPlace ? path("inplace.png") : path("photo.png");
     QVERIFY(writeBytes(path("inplace.png"), bytes(path("photo.png"))));
     const QString out = inPlace ? in : path("runner-out.png"), ref = path("runner-ref.png");
