@@ -2,110 +2,168 @@
 
 #include <QtTest>
 
+// The machine is checked for properties of its table, not against a second
+// copy of it: every state is reachable and can get back to the main view,
+// every pair either has one transition or gets the explicit "ignored"
+// answer, and no transition carries an action that nothing acts on.
+
+namespace {
 // Drives the machine the way the main frame does: through a signal connected
 // by its signature string.
 class StateDriver : public QObject
 {
     Q_OBJECT
 public:
-    void set(ImgEditorState s) { emit sigChangeStat(s); }
+    explicit StateDriver(ImgImplStatMachine *machine)
+    {
+        QObject::connect(this, "2sigChangeStat(ImgEditorState)", machine, "1slotChangeStat(ImgEditorState)");
+    }
+    void set(int s) { emit sigChangeStat(ImgEditorState(s)); }
 signals:
     void sigChangeStat(ImgEditorState);
 };
+
+constexpr int kStates = STAT_END;  // the live states, 0 .. STAT_SAVE
+constexpr int kEvents = EVT_END;   // the events that can occur, 0 .. EVT_CANCEL
+
+QList<ImgEditorTransition> loadedRecords()
+{
+    QList<ImgEditorTransition> records;
+    for (const ImgEditorTransition &t : IMG_EDITOR_TRANSITION_TABLE) {
+        if (t.curStat == STAT_END)
+            break;
+        records << t;
+    }
+    return records;
+}
+
+// The states reachable from `from` through transitions of the table.
+QSet<int> reachableFrom(int from)
+{
+    QSet<int> seen{from};
+    QList<int> todo{from};
+    while (!todo.isEmpty()) {
+        const int s = todo.takeFirst();
+        for (const ImgEditorTransition &t : loadedRecords()) {
+            if (t.curStat == s && !seen.contains(t.nextStat)) {
+                seen << t.nextStat;
+                todo << t.nextStat;
+            }
+        }
+    }
+    return seen;
+}
+} // namespace
 
 class TestStatMachine : public QObject
 {
     Q_OBJECT
 
-    // Written from the editor's behaviour, independently of the table in the
-    // code: "state event" -> {next, action}. Every other pair is absent.
-    static QHash<QString, QPair<int, int>> expected()
-    {
-        enum { MAIN, CROP, RESIZE, ADD, STYLE, SAVE, END };
-        enum { DONE, BACK, SVCSAVE, RL, RR, MH, MV, CR, RS, ST, AE, CANCEL };
-        enum { NONE, A_CROP, A_RESIZE, A_STYLE, A_ADD, A_SAVE, A_TO_ORIGINAL };
-        QHash<QString, QPair<int, int>> t;
-        auto add = [&t](int s, int e, int n, int a) { t.insert(QString("%1 %2").arg(s).arg(e), {n, a}); };
-        for (int quick : {RL, RR, MH, MV, CANCEL})
-            add(MAIN, quick, MAIN, NONE);
-        add(MAIN, CR, CROP, A_CROP);
-        add(MAIN, RS, RESIZE, A_RESIZE);
-        add(MAIN, ST, STYLE, A_STYLE);
-        add(MAIN, AE, ADD, A_ADD);
-        add(MAIN, DONE, SAVE, A_SAVE);
-        for (int sub : {CROP, RESIZE, ADD, STYLE}) {
-            add(sub, DONE, SAVE, A_SAVE);
-            add(sub, BACK, MAIN, NONE);
-        }
-        add(STYLE, SVCSAVE, MAIN, A_TO_ORIGINAL);
-        add(SAVE, DONE, MAIN, A_TO_ORIGINAL);
-        add(SAVE, BACK, MAIN, NONE);
-        return t;
-    }
-
 private slots:
-    void everyPairFollowsTheTable_data()
-    {
-        QTest::addColumn<int>("state");
-        QTest::addColumn<int>("event");
-        QTest::addColumn<int>("next");
-        QTest::addColumn<int>("action");
-        const auto table = expected();
-        for (int s = 0; s <= 6; ++s) {
-            for (int e = 0; e <= 12; ++e) {
-                const auto hit = table.value(QString("%1 %2").arg(s).arg(e), {6, 7});
-                QTest::addRow("state %d event %d", s, e) << s << e << hit.first << hit.second;
-            }
-        }
-    }
-
-    void everyPairFollowsTheTable()
-    {
-        QFETCH(int, state);
-        QFETCH(int, event);
-        QFETCH(int, next);
-        QFETCH(int, action);
-        ImgImplStatMachine machine;
-        StateDriver driver;
-        QVERIFY(QObject::connect(&driver, "2sigChangeStat(ImgEditorState)", &machine,
-                                 "1slotChangeStat(ImgEditorState)"));
-        driver.set(ImgEditorState(state));
-        QCOMPARE(int(machine.getNextStat(event)), next);
-        QCOMPARE(machine.getStatAction(event), action);
-        // Lookups never move the machine.
-        QCOMPARE(int(machine.currentStat()), state);
-    }
-
-    void loadsTwentyOneTransitionsAndStartsInMain()
+    void startsInMainWithEveryRecordBeforeTheEnd()
     {
         ImgImplStatMachine machine;
-        QCOMPARE(machine.transitionCount(), 21);
         QCOMPARE(machine.currentStat(), STAT_MAIN);
+        QCOMPARE(machine.transitionCount(), loadedRecords().size());
         QVERIFY(machine.parent() == nullptr);
     }
 
-    void valueOutsideTheTableIsStoredAndYieldsDefaults_data()
+    // Each record is the machine's answer for its pair, and is the only one.
+    void everyRecordIsTheAnswerForItsPair()
     {
-        QTest::addColumn<int>("state");
-        QTest::newRow("negative") << -1;
-        QTest::newRow("seven") << 7;
-        QTest::newRow("large") << 1000;
+        ImgImplStatMachine machine;
+        StateDriver driver(&machine);
+        QSet<QPair<int, int>> pairs;
+        for (const ImgEditorTransition &t : loadedRecords()) {
+            QVERIFY2(!pairs.contains({t.curStat, t.event}), "a pair occurs twice");
+            pairs.insert({t.curStat, t.event});
+            driver.set(t.curStat);
+            QCOMPARE(int(machine.getNextStat(t.event)), t.nextStat);
+            QCOMPARE(machine.getStatAction(t.event), t.action);
+            QCOMPARE(int(machine.currentStat()), t.curStat); // lookups never move it
+        }
     }
 
-    void valueOutsideTheTableIsStoredAndYieldsDefaults()
+    void everyStateIsReachableAndLeadsBackToMain()
+    {
+        const QSet<int> fromMain = reachableFrom(STAT_MAIN);
+        for (int s = 0; s < kStates; ++s) {
+            QVERIFY2(fromMain.contains(s), qPrintable(QString("state %1 is unreachable").arg(s)));
+            QVERIFY2(reachableFrom(s).contains(STAT_MAIN), qPrintable(QString("state %1 is a trap").arg(s)));
+        }
+        QVERIFY(!fromMain.contains(STAT_END));
+    }
+
+    // A pair without a record is ignored explicitly: both answers are the
+    // defaults, from any state including values outside the table, and
+    // STAT_END itself is never left.
+    void everyPairIsHandledOrIgnored_data()
+    {
+        QTest::addColumn<int>("state");
+        for (int s : {-1, 0, 1, 2, 3, 4, 5, 6, 7, 1000})
+            QTest::addRow("state %d", s) << s;
+    }
+
+    void everyPairIsHandledOrIgnored()
     {
         QFETCH(int, state);
         ImgImplStatMachine machine;
-        StateDriver driver;
-        QObject::connect(&driver, "2sigChangeStat(ImgEditorState)", &machine, "1slotChangeStat(ImgEditorState)");
-        driver.set(ImgEditorState(state));
+        StateDriver driver(&machine);
+        driver.set(state);
         QCOMPARE(int(machine.currentStat()), state);
-        for (int e = 0; e <= 12; ++e) {
-            QCOMPARE(machine.getNextStat(e), STAT_END);
-            QCOMPARE(machine.getStatAction(e), int(ACT_INVALID));
+        int handled = 0;
+        for (int e = 0; e <= EVT_END; ++e) {
+            const ImgEditorState next = machine.getNextStat(e);
+            const int action = machine.getStatAction(e);
+            if (next == STAT_END) {
+                QCOMPARE(action, int(ACT_INVALID));
+            } else {
+                QVERIFY(next >= 0 && next < kStates);
+                QVERIFY(action >= ACT_NONE && action < ACT_INVALID);
+                ++handled;
+            }
         }
-        driver.set(STAT_SAVE);
-        QCOMPARE(machine.getStatAction(EVT_SVC_DONE), int(ACT_SAVE_TO_ORIGINAL));
+        // Every live state answers something, so no mode is a dead end.
+        QCOMPARE(handled > 0, state >= 0 && state < kStates);
+    }
+
+    void everyEventIsHandledSomewhere()
+    {
+        QSet<int> events;
+        for (const ImgEditorTransition &t : loadedRecords())
+            events << t.event;
+        for (int e = 0; e < kEvents; ++e)
+            QVERIFY2(events.contains(e), qPrintable(QString("event %1 is never handled").arg(e)));
+    }
+
+    // The frame acts only on the action of a finished service (result 0):
+    // starting the save, or writing over the original. The other actions
+    // mark the entry into a sub-editor, one marker per sub-editor.
+    void noActionWithoutAHandler()
+    {
+        QHash<int, int> markerOfState;
+        for (const ImgEditorTransition &t : loadedRecords()) {
+            const QString where = QString("state %1 event %2").arg(t.curStat).arg(t.event);
+            switch (t.action) {
+            case ACT_NONE:
+                break;
+            case ACT_START_SAVE:
+                QVERIFY2(t.event == EVT_SVC_DONE && t.nextStat == STAT_SAVE, qPrintable(where));
+                break;
+            case ACT_SAVE_TO_ORIGINAL:
+                QVERIFY2(t.nextStat == STAT_MAIN, qPrintable(where));
+                QVERIFY2(t.curStat == STAT_SAVE || t.event != EVT_SVC_DONE, qPrintable(where));
+                break;
+            default:
+                QVERIFY2(t.action > ACT_NONE && t.action < ACT_START_SAVE, qPrintable(where));
+                QVERIFY2(t.curStat == STAT_MAIN && t.event >= EVT_ROTATE_LEFT, qPrintable(where));
+                QVERIFY2(t.nextStat != STAT_MAIN && t.nextStat != STAT_SAVE, qPrintable(where));
+                QVERIFY2(!markerOfState.contains(t.nextStat), qPrintable(where));
+                QVERIFY2(!markerOfState.values().contains(t.action), qPrintable(where));
+                markerOfState.insert(t.nextStat, t.action);
+            }
+        }
+        QCOMPARE(markerOfState.size(), 4); // crop, resize, add elements, style
     }
 };
 
