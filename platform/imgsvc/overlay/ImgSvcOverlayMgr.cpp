@@ -77,6 +77,11 @@ void ImgSvcOverlayMgr::leftSoftKey()
         place();
         return;
     }
+    // Nothing placed is nothing to save: the same as leaving.
+    if (m_ctl->getCommandList().empty()) {
+        report(m_ctl, 1);
+        return;
+    }
     m_confirmed = true;
     m_ctl->releaseCommands();
     report(m_ctl, 0);
