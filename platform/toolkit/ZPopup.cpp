@@ -64,9 +64,16 @@ ZPopup::ZPopup(QWidget *parent, const char *name, bool modal, unsigned int flags
 
     m_text = new QLabel(box);
     m_text->setWordWrap(true);
+    // Set here, not inherited: a style sheet on the way down would leave the
+    // text at the application's desktop size whatever the screen.
+    m_text->setFont(ZTheme::bodyFont());
     m_text->setAlignment(Qt::AlignCenter);
-    m_text->setStyleSheet(QStringLiteral("color: %1;").arg(ZTheme::menuText().name()));
-    m_text->setContentsMargins(ZTheme::scaled(10), ZTheme::scaled(12), ZTheme::scaled(10), ZTheme::scaled(12));
+    // The padding goes in the style sheet too: with one, contents margins
+    // set on the label are not kept.
+    m_text->setStyleSheet(QStringLiteral("QLabel { color: %1; padding: %2px %3px; }")
+                              .arg(ZTheme::menuText().name())
+                              .arg(ZTheme::scaled(10))
+                              .arg(ZTheme::scaled(10)));
     column->addWidget(m_text, 1);
 
     m_keys = new ZSoftKey(box);

@@ -11,6 +11,7 @@
 #include "ZGlobal.h"
 #include "ZPopup.h"
 #include "ZSoftKey.h"
+#include "ZTheme.h"
 #include <QFileInfo>
 #include <QKeyEvent>
 #include <QLabel>
@@ -183,6 +184,14 @@ void ImgSvcSaveMgr::ask(const QString &question, std::function<void()> onYes)
     popup->open();
 }
 
+QString ImgSvcSaveMgr::fitted(const QString &fileName)
+{
+    // A name is one word to the line breaker: too long, it would be cut at
+    // the popup's edges rather than wrapped.
+    const int width = ZGlobal::screenSize().width() * 7 / 10;
+    return QFontMetrics(ZTheme::bodyFont()).elidedText(fileName, Qt::ElideMiddle, width);
+}
+
 void ImgSvcSaveMgr::offerDiscard()
 {
     ask(tr("TXT_RID_SAVE_DISCARD_QUESTION", "Discard all edits? The picture stays as it was."), [this] {
@@ -246,7 +255,7 @@ void ImgSvcSaveMgr::acceptName()
     };
     // No: back to the entry, the name kept for correcting.
     if (QFileInfo::exists(path))
-        ask(tr("TXT_RID_SAVE_REPLACE_QUESTION", "Replace %1?").arg(QFileInfo(path).fileName()), save);
+        ask(tr("TXT_RID_SAVE_REPLACE_QUESTION", "Replace %1?").arg(fitted(QFileInfo(path).fileName())), save);
     else
         save();
 }

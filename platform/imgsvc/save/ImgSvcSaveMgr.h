@@ -69,6 +69,8 @@ private:
     void ask(const QString &question, std::function<void()> onYes);
     void showWait();
     void updateInfo();
+    // A file name short enough for a line of a popup.
+    static QString fitted(const QString &fileName);
 
     ImgSvcSaveCtl *m_ctl;
     QStackedWidget *m_pages;
