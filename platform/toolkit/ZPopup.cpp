@@ -194,13 +194,18 @@ void ZPopup::showEvent(QShowEvent *event)
 // The handset screen a popup belongs over: the full-screen window of its
 // owner, looking through other popups (a notice raised while a wait dialog
 // is up must not be placed relative to that dialog), else the window shown
-// last.
+// last, else the application's own active window (a host's, before any
+// handset window is up).
 static QWidget *screenWindow(const QWidget *popup)
 {
     QWidget *w = popup->parentWidget() ? popup->parentWidget()->window() : nullptr;
     while (w && !qobject_cast<ZMainWidget *>(w))
         w = w->parentWidget() ? w->parentWidget()->window() : nullptr;
-    return w ? w : ZMainWidget::topWindow();
+    if (!w)
+        w = ZMainWidget::topWindow();
+    if (!w && QApplication::activeWindow() && !qobject_cast<ZPopup *>(QApplication::activeWindow()))
+        w = QApplication::activeWindow();
+    return w;
 }
 
 // Centred on the home area of the screen it belongs to, as wide as most of
