@@ -89,16 +89,16 @@ QSize ImgSvcCropMgr::shownSize() const
 void ImgSvcCropMgr::updateStatus()
 {
     const QSize size = shownSize();
-    m_status->setText(tr("TXT_RID_CROP_SIZE", "%1 x %2 pixels").arg(size.width()).arg(size.height()));
+    m_status->setText(tr("TXT_RID_CROP_SIZE", "%1 x %2   Select: next").arg(size.width()).arg(size.height()));
     switch (m_ctl->activeHandle()) {
     case ImgSvcCropCtl::SecondCorner:
-        m_hint->setText(tr("TXT_RID_CROP_HINT_SECOND", "Arrows: lower right corner  Select: next"));
+        m_hint->setText(tr("TXT_RID_CROP_HINT_SECOND", "Arrows: lower right corner"));
         break;
     case ImgSvcCropCtl::FirstCorner:
-        m_hint->setText(tr("TXT_RID_CROP_HINT_FIRST", "Arrows: upper left corner  Select: next"));
+        m_hint->setText(tr("TXT_RID_CROP_HINT_FIRST", "Arrows: upper left corner"));
         break;
     case ImgSvcCropCtl::Whole:
-        m_hint->setText(tr("TXT_RID_CROP_HINT_MOVE", "Arrows: move the frame  Select: next"));
+        m_hint->setText(tr("TXT_RID_CROP_HINT_MOVE", "Arrows: move the frame"));
         break;
     }
 }
