@@ -65,12 +65,13 @@ for size in 240x320 480x640; do
   # Another editor holds the photo: the notice, then OK closes the editor.
   rm -rf "$work/busy"
   cp "$work/photo.jpg" "$work/busy.jpg"
-  flock "$work/busy.jpg" sleep 30 &
+  flock "$work/busy.jpg" sleep 6 &
   holder=$!
   sleep 0.5
   timeout 60 "$viewer" --edit --screen "$size" --key-delay 800 --shots "$work/busy" --keys "Select" \
     --quit-when-closed "$work/busy.jpg" >/dev/null 2>&1 || true
-  kill "$holder" 2>/dev/null || true
+  # Let the holder finish on its own before the next size needs the file.
+  wait "$holder" || true
   keep "$work/busy" 0 being-edited "$size"
 done
 
