@@ -10,7 +10,9 @@ viewer="$root/build/bin/vo-viewer"
 geometry="$root/build/bin/tst_imgsvc_geometry"
 out="$root/docs/screens"
 work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
+# The save screens name the folder: a fixed one keeps the pictures the same.
+pics=/tmp/vo-screens/Pictures
+trap 'rm -rf "$work" /tmp/vo-screens' EXIT
 export QT_QPA_PLATFORM=offscreen
 [ -x "$viewer" ] && [ -x "$geometry" ] || { echo "build first: bash scripts/build.sh" >&2; exit 1; }
 mkdir -p "$out"
@@ -26,13 +28,13 @@ keep() {
 # run SIZE NAME KEYS [extra viewer args]: the host on a fresh copy of the photo.
 run() {
   local size=$1 name=$2 keys=$3
-  rm -rf "$work/$name" "$work/pics"
-  mkdir -p "$work/pics"
-  cp "$work/photo.jpg" "$work/pics/photo.jpg"
+  rm -rf "$work/$name" "$pics"
+  mkdir -p "$pics"
+  cp "$work/photo.jpg" "$pics/photo.jpg"
   # Makes Save as's offered name an existing one: the replace question.
-  cp "$work/photo.jpg" "$work/pics/photo_edited.jpg"
+  cp "$work/photo.jpg" "$pics/photo_edited.jpg"
   timeout 120 "$viewer" --edit --screen "$size" --key-delay 500 --shots "$work/$name" --keys "$keys" \
-    --quit-when-closed "$work/pics/photo.jpg" >/dev/null 2>&1 || true
+    --quit-when-closed "$pics/photo.jpg" >/dev/null 2>&1 || true
 }
 
 menu() { # Options, then the row $1 rows below the first, selected
