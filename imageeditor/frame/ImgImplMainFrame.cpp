@@ -8,6 +8,7 @@
 #include "ImgSvcLayout.h"
 #include "ImgSvcLayoutWidget.h"
 #include "ImgSvcViewer.h"
+#include "ImgSvcWaitDlg.h"
 #include "MMCommand.h"
 #include "MMImageSource.h"
 #include "ZGlobal.h"
@@ -16,7 +17,15 @@
 #include "ZSoftKey.h"
 
 #include <QCoreApplication>
+#include <QFileInfo>
 #include <QTimer>
+#include <memory>
+
+namespace {
+// From about this size a photo takes longer to open than a user waits
+// without a sign.
+constexpr qint64 kWaitFromBytes = 1 << 20;
+} // namespace
 
 ImgImplMainFrame::ImgImplMainFrame(const QString &file, QWidget *parent, const char *name, unsigned int flags)
     : ZKbMainWidget(parent, name, flags),
@@ -33,6 +42,14 @@ ImgImplMainFrame::ImgImplMainFrame(const QString &file, QWidget *parent, const c
       inputEnableTimer(nullptr)
 {
     originalFile = file;
+
+    // Copying and decoding a large photo takes seconds on a handset: the
+    // wait dialog is on the screen before that starts and goes with this scope.
+    std::unique_ptr<ImgSvcWaitDlg> wait;
+    if (QFileInfo(file).size() >= kWaitFromBytes) {
+        wait = std::make_unique<ImgSvcWaitDlg>(tr("TXT_RID_NOTICE_OPENING", "Opening..."));
+        wait->showNow();
+    }
 
     initUserInputEnableTimer();
     layoutWidget = new ImgSvcLayoutWidget(this, nullptr, 0);

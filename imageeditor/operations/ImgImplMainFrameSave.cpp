@@ -28,6 +28,8 @@ void ImgImplMainFrame::startSave(ImgSvcCtlEvent *event)
     save->setAutoDeleteWaitDlg(false);
     ImgSvcSaveCtl *control = save->getSaveCtl();
     control->setEventReceiver(this);
+    // Resize names no file below; a new name still belongs beside this one.
+    save->setEditedFile(originalFile);
 
     const int type = event->type();
     auto previewOrTmp = [this] {

@@ -111,6 +111,16 @@ QList<QPointer<ZMainWidget>> &windowStack()
 }
 } // namespace
 
+ZMainWidget *ZMainWidget::topWindow()
+{
+    const QList<QPointer<ZMainWidget>> &stack = windowStack();
+    for (int i = stack.size() - 1; i >= 0; --i) {
+        if (stack.at(i) && stack.at(i)->isVisible())
+            return stack.at(i);
+    }
+    return nullptr;
+}
+
 void ZMainWidget::showEvent(QShowEvent *event)
 {
     QWidget::showEvent(event);

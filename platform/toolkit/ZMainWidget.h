@@ -23,6 +23,9 @@ public:
     using QWidget::close;
     // Hides the window; with alsoDelete the object deletes itself later.
     bool close(bool alsoDelete);
+    // The full-screen window shown last that is still visible, if any:
+    // what a notice without an owner belongs over.
+    static ZMainWidget *topWindow();
 
 protected:
     void resizeEvent(QResizeEvent *event) override;

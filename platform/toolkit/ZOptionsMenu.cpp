@@ -140,6 +140,7 @@ void ZOptionsMenu::popup()
     // Holding the focus keeps the window from acting on the menu's keys.
     setFocus(Qt::PopupFocusReason);
     update();
+    emit opened();
 }
 
 void ZOptionsMenu::dismiss()
@@ -153,6 +154,12 @@ void ZOptionsMenu::dismiss()
         target = parentWidget() ? parentWidget()->window() : nullptr;
     if (target)
         target->setFocus(Qt::PopupFocusReason);
+    emit closed();
+}
+
+void ZOptionsMenu::selectCurrent()
+{
+    activateCurrent();
 }
 
 bool ZOptionsMenu::isOpen() const
@@ -174,11 +181,11 @@ void ZOptionsMenu::keyPressEvent(QKeyEvent *event)
     case Qt::Key_Select:
     case Qt::Key_Return:
     case Qt::Key_Enter:
+    case Qt::Key_Context1:
+    case Qt::Key_F1:
         if (!event->isAutoRepeat())
             activateCurrent();
         break;
-    case Qt::Key_Context1:
-    case Qt::Key_F1:
     case Qt::Key_Context2:
     case Qt::Key_F2:
     case Qt::Key_Escape:

@@ -10,7 +10,8 @@ class QPixmap;
 
 // Keypad options menu. Opens over the given rectangle; Up/Down move, Select
 // activates the current item (the menu closes, then the item's slot runs);
-// either soft key closes it. Hidden items are neither shown nor reachable.
+// the left soft key selects too, the right one closes it; while it is open
+// the window's soft keys say so. Hidden items are neither shown nor reachable.
 class ZOptionsMenu : public QWidget
 {
     Q_OBJECT
@@ -32,9 +33,13 @@ public:
     void popup();   // show over the menu rectangle and take the keyboard focus
     void dismiss(); // close without activating anything
     bool isOpen() const;
+    // What Select does: closes the menu and runs the current item.
+    void selectCurrent();
 
 signals:
     void activated(int id);
+    void opened();
+    void closed();
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;

@@ -1,5 +1,6 @@
 #include "ZPopup.h"
 #include "ZGlobal.h"
+#include "ZMainWidget.h"
 #include "ZResourceTranslator.h"
 #include "ZSkinService.h"
 #include "ZSoftKey.h"
@@ -63,9 +64,16 @@ ZPopup::ZPopup(QWidget *parent, const char *name, bool modal, unsigned int flags
 
     m_text = new QLabel(box);
     m_text->setWordWrap(true);
+    // Set here, not inherited: a style sheet on the way down would leave the
+    // text at the application's desktop size whatever the screen.
+    m_text->setFont(ZTheme::bodyFont());
     m_text->setAlignment(Qt::AlignCenter);
-    m_text->setStyleSheet(QStringLiteral("color: %1;").arg(ZTheme::menuText().name()));
-    m_text->setContentsMargins(ZTheme::scaled(10), ZTheme::scaled(12), ZTheme::scaled(10), ZTheme::scaled(12));
+    // The padding goes in the style sheet too: with one, contents margins
+    // set on the label are not kept.
+    m_text->setStyleSheet(QStringLiteral("QLabel { color: %1; padding: %2px %3px; }")
+                              .arg(ZTheme::menuText().name())
+                              .arg(ZTheme::scaled(10))
+                              .arg(ZTheme::scaled(10)));
     column->addWidget(m_text, 1);
 
     m_keys = new ZSoftKey(box);
@@ -183,27 +191,53 @@ void ZPopup::showEvent(QShowEvent *event)
     activateWindow();
 }
 
-// Centred on the home area of the window it belongs to (or of the screen),
-// as wide as most of the screen and as tall as its text needs.
+// The handset screen a popup belongs over: the full-screen window of its
+// owner, looking through other popups (a notice raised while a wait dialog
+// is up must not be placed relative to that dialog), else the window shown
+// last, else the application's own active window (a host's, before any
+// handset window is up).
+static QWidget *screenWindow(const QWidget *popup)
+{
+    QWidget *w = popup->parentWidget() ? popup->parentWidget()->window() : nullptr;
+    while (w && !qobject_cast<ZMainWidget *>(w))
+        w = w->parentWidget() ? w->parentWidget()->window() : nullptr;
+    if (!w)
+        w = ZMainWidget::topWindow();
+    if (!w && QApplication::activeWindow() && !qobject_cast<ZPopup *>(QApplication::activeWindow()))
+        w = QApplication::activeWindow();
+    return w;
+}
+
+// Centred on the home area of the screen it belongs to, as wide as most of
+// the screen and as tall as its text needs (never taller than the area).
 void ZPopup::placeOnScreen()
 {
-    const QRect home = ZGlobal::getHomeR(false);
     QPoint origin(0, 0);
-    QWidget *anchor = parentWidget() ? parentWidget()->window() : QApplication::activeWindow();
-    if (anchor && anchor != this) {
+    if (QWidget *anchor = screenWindow(this)) {
         origin = anchor->mapToGlobal(QPoint(0, 0));
     } else if (QScreen *screen = QGuiApplication::primaryScreen()) {
         const QRect area = screen->geometry();
-        origin = area.topLeft() + QPoint(qMax(0, (area.width() - home.width()) / 2),
-                                         qMax(0, (area.height() - ZGlobal::screenSize().height()) / 2));
+        const QSize handset = ZGlobal::screenSize();
+        origin = area.topLeft() + QPoint(qMax(0, (area.width() - handset.width()) / 2),
+                                         qMax(0, (area.height() - handset.height()) / 2));
     }
+    const QRect home = ZGlobal::getHomeR(false);
     const int width = qRound(home.width() * 0.88);
-    int height = layout()->hasHeightForWidth() ? layout()->totalHeightForWidth(width) : sizeHint().height();
-    height = qMin(height, home.height() - 2 * ZTheme::scaled(4));
+    const int wanted = layout()->hasHeightForWidth() ? layout()->totalHeightForWidth(width) : sizeHint().height();
+    const int height = qBound(1, wanted, home.height() - 2 * ZTheme::scaled(4));
     const QRect box(home.left() + (home.width() - width) / 2, home.top() + (home.height() - height) / 2, width,
                     height);
     setFixedSize(box.size());
     move(origin + box.topLeft());
+}
+
+void ZPopup::setSoftKeyTexts(const QString &left, const QString &right)
+{
+    m_keys->setText(ZSoftKey::LEFT, left);
+    m_keys->setText(ZSoftKey::RIGHT, right);
+    m_keys->setVisible(!left.isEmpty() || !right.isEmpty());
+    if (isVisible())
+        placeOnScreen();
 }
 
 void ZPopup::updateHeader()

@@ -20,6 +20,10 @@ public:
     void setTitleIcon(const QString &resourceName);
     QString titleIcon() const;
     void setTimeout(int ms); // 0: no time-out
+    // What the two soft keys of the popup read (left accepts, right
+    // rejects); both empty hides the bar, for a popup that only says "wait".
+    void setSoftKeyTexts(const QString &left, const QString &right);
+
 
     int exec() override;
     void open() override;

@@ -52,8 +52,35 @@ void ZSoftKey::setClickedSlot(KEY_IDX idx, const QObject *receiver, const char *
 
 void ZSoftKey::setOptMenu(KEY_IDX idx, ZOptionsMenu *menu)
 {
-    if (idx == LEFT || idx == RIGHT)
-        m_menus[idx] = menu;
+    if (idx != LEFT && idx != RIGHT)
+        return;
+    for (QMetaObject::Connection &c : m_menuConnections[idx])
+        QObject::disconnect(c);
+    m_menus[idx] = menu;
+    if (!menu)
+        return;
+    m_menuConnections[idx][0] = connect(menu, &ZOptionsMenu::opened, this, &ZSoftKey::menuOpened);
+    m_menuConnections[idx][1] = connect(menu, &ZOptionsMenu::closed, this, &ZSoftKey::menuClosed);
+}
+
+void ZSoftKey::menuOpened()
+{
+    if (m_menuShown)
+        return;
+    m_menuShown = true;
+    for (int i = 0; i < 2; ++i)
+        m_savedTexts[i] = m_buttons[i]->text();
+    m_buttons[LEFT]->setText(tr("TXT_RID_SOFTKEY_SELECT", "Select"));
+    m_buttons[RIGHT]->setText(tr("TXT_RID_SOFTKEY_BACK", "Back"));
+}
+
+void ZSoftKey::menuClosed()
+{
+    if (!m_menuShown)
+        return;
+    m_menuShown = false;
+    for (int i = 0; i < 2; ++i)
+        m_buttons[i]->setText(m_savedTexts[i]);
 }
 
 ZOptionsMenu *ZSoftKey::optMenu(KEY_IDX idx) const
@@ -76,6 +103,16 @@ void ZSoftKey::press(KEY_IDX idx)
 {
     if (!isButtonEnabled(idx))
         return;
+    // An open menu has both keys: left selects, right closes.
+    for (const QPointer<ZOptionsMenu> &open : m_menus) {
+        if (open && open->isOpen()) {
+            if (idx == LEFT)
+                open->selectCurrent();
+            else
+                open->dismiss();
+            return;
+        }
+    }
     if (ZOptionsMenu *menu = m_menus[idx]) {
         if (menu->isOpen())
             menu->dismiss();

@@ -6,8 +6,10 @@ class ZOptionsMenu;
 class QPushButton;
 
 // The soft-key bar: two buttons with text. The left one may carry an options
-// menu, which it opens; otherwise a button invokes its clicked slot. A
-// disabled button ignores its key and its click.
+// menu, which it opens; while that menu is open the keys read "Select" and
+// "Back" and do that, and their own texts come back when it closes.
+// Otherwise a button invokes its clicked slot. A disabled button ignores its
+// key and its click.
 class ZSoftKey : public QWidget
 {
     Q_OBJECT
@@ -34,7 +36,14 @@ signals:
     void rightClicked();
 
 private:
+    void menuOpened();
+    void menuClosed();
+
     QPushButton *m_buttons[2] = {nullptr, nullptr};
+    // The keys' own texts while a menu has them.
+    QString m_savedTexts[2];
+    bool m_menuShown = false;
+    QMetaObject::Connection m_menuConnections[2][2];
     // The menu belongs to whoever made it and may go first.
     QPointer<ZOptionsMenu> m_menus[2];
     QMetaObject::Connection m_slots[2];

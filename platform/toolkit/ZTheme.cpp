@@ -15,7 +15,9 @@ QFont fontOfHeight(int pixelSize, bool bold = false)
 
 int ZTheme::scaled(int px)
 {
-    return qMax(1, qRound(px * ZGlobal::screenSize().height() / 320.0));
+    // The shorter side decides: a landscape screen is no smaller a device.
+    const QSize s = ZGlobal::screenSize();
+    return qMax(1, qRound(px * qMin(s.width(), s.height()) / 240.0));
 }
 
 QFont ZTheme::titleFont()

@@ -7,8 +7,8 @@
 class ZTheme
 {
 public:
-    // A length given for the 320-pixel-high reference screen, scaled to the
-    // current screen (never below 1).
+    // A length given for the 240 x 320 reference screen, scaled by the
+    // current screen's shorter side (never below 1).
     static int scaled(int px);
 
     static QFont titleFont();

@@ -52,6 +52,8 @@ public:
 
     // The run's working directory: beside the picture's folder, empty.
     static QString workingDirOf(const QString &file) { return QFileInfo(file).absolutePath() + "-cwd"; }
+    // Where the run's screenshots go: one before the first key, one after each.
+    static QString shotsDirOf(const QString &file) { return QFileInfo(file).absolutePath() + "-shots"; }
 
     // The finished run, or nullptr when it did not finish in time.
     Run *wait(const QString &id, int timeoutMs = 90000)
@@ -86,9 +88,8 @@ private:
         QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
         env.insert("QT_QPA_PLATFORM", "offscreen");
         env.remove("VO_SCREEN_SIZE");
-        // A save screen told no file name offers the home folder: make that
-        // the picture's own folder, so what it writes is checked like the rest.
-        env.insert("HOME", QFileInfo(run.file).absolutePath());
+        // Nothing may land in the home folder: a file there would go unseen.
+        env.insert("HOME", workingDirOf(run.file));
         run.process.setProcessEnvironment(env);
         run.process.setProcessChannelMode(QProcess::MergedChannels);
         // An empty folder of its own as the working directory, so that a
@@ -100,6 +101,7 @@ private:
             startQueued();
         });
         run.process.start(kViewer, {"--edit", "--screen", "240x320", "--key-delay", "150", "--keys", run.keys,
+                                    "--shots", shotsDirOf(run.file),
                                     "--quit-when-closed", run.file});
     }
 

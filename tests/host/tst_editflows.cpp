@@ -26,10 +26,10 @@ const QString kSaveAndBack = QStringLiteral("Context1 Context2");
 // Apply the quick edits, then save over and leave.
 const QString kApply = "Context2 " + kSaveAndBack;
 
-// From the crop screen's centred 1x1 start: the second corner 5 right and
-// 3 down, then the first corner 4 left and 2 up -> 10 x 6 screen pixels.
-const QString kCrop = menu(Crop) + ' ' + times("Right", 5) + ' ' + times("Down", 3) + " Select " + times("Left", 4)
-    + " Up Up Context1 " + kSaveAndBack;
+// From the crop screen's centred 80 % start: the lower right corner 5 left
+// and 3 up, then the upper left corner 4 right and 2 down.
+const QString kCrop = menu(Crop) + ' ' + times("Left", 5) + ' ' + times("Up", 3) + " Select " + times("Right", 4)
+    + " Down Down Context1 " + kSaveAndBack;
 
 const QString kHostile = QStringLiteral("'\"$(touch${IFS}pwned1)`touch${IFS}pwned2`;touch${IFS}pwned3;&|<>*\\");
 
@@ -49,13 +49,16 @@ struct Flow
     QStringList ops = {};  // convert's version of the edit; empty: checked otherwise
     double tolerance = 0;  // mean difference allowed from the reference; 0: exact
     QString written = {};  // the new file, "{base}" standing for the picture's name; empty: saved over
+    QString existing = {}; // a file put beside the picture before the run (a copy of it)
 };
 
 // Every flow is started by initTestCase and checked by the test function of
-// its group. 320x240 is shown as it is; 960x720 is previewed at 240x180
-// (scale 1/4), so the crop's 10x6 selection from the centre (120,90) is
-// 40x24 full-size pixels at (464,352). Without a preview a step is still
-// one screen pixel, 2 image pixels here: (152,116)-(170,126).
+// its group. The crop starts with the centred 80 % and a fresh press moves
+// a hundredth of the longer side, at least a screen pixel. 320x240 is shown
+// at 3/4: it starts at (33,25) 256x192, steps are 4 pixels, and the crop
+// is 220x172 at (49,33). 960x720 is previewed at 240x180 (scale 1/4): it
+// starts at (25,19) 192x144 there, steps are 3 preview pixels, and the crop
+// is 165x129 preview pixels at (37,25), 660x516 at (148,100) full size.
 const QList<Flow> &flowTable()
 {
     const QSize small(320, 240), large(960, 720);
@@ -66,8 +69,11 @@ const QList<Flow> &flowTable()
         {"quick", "png mirror vertical", "png", small, menu(MirrorV) + ' ' + kApply, {"-flip"}},
         // JPEG turns losslessly, but the reference decodes and turns the pixels.
         {"quick", "jpg rotate right with Up", "jpg", large, "Up " + kApply, {"-rotate", "90"}, 4},
-        {"crop", "png without preview", "png", small, kCrop, {"-crop", "19x11+152+116", "+repage"}},
-        {"crop", "jpg with preview", "jpg", large, kCrop, {"-crop", "40x24+464+352", "+repage"}, 4},
+        {"crop", "png without preview", "png", small, kCrop, {"-crop", "220x172+49+33", "+repage"}},
+        {"crop", "jpg with preview", "jpg", large, kCrop, {"-crop", "660x516+148+100", "+repage"}, 4},
+        // Crop at once: what was shown framed, never a dot.
+        {"crop", "untouched", "png", small, menu(Crop) + " Context1 " + kSaveAndBack,
+         {"-crop", "256x192+33+25", "+repage"}},
         // Offered: 720x540, 640x480, ...; the scaler is not ImageMagick's.
         {"resize", "jpg second offer", "jpg", large, menu(Resize) + " Down Select " + kSaveAndBack,
          {"-resize", "640x480!"}, 8},
@@ -83,8 +89,25 @@ const QList<Flow> &flowTable()
          {"-rotate", "90"}, 0, "turned.png"},
         {"save as", "after a resize", "png", small, menu(Resize) + " Select Context2 text:small Select Context2",
          {"-resize", "240x180!"}, 8, "small.png"},
-        // Backing out of the name entry writes nothing and drops the edits.
-        {"save as", "backed out", "png", small, "Up Context2 Context2 Context2 Context2"},
+        // After a resize the service is told no file name; the new file
+        // still lands beside the picture (the offered name taken as it is).
+        {"save as", "after a resize, offered name", "png", small, menu(Resize) + " Select Context2 Context1 Context2",
+         {"-resize", "240x180!"}, 8, "{base}_edited.png"},
+        // An existing name: No returns to the name, Select asks again, Yes replaces.
+        {"save as", "replace: no, then yes", "png", small, "Up Context2 Context2 Select Context2 Select Select Context2",
+         {"-rotate", "90"}, 0, "{base}_edited.png", "{base}_edited.png"},
+        // A text file's name gets the picture's extension, shown before saving.
+        {"save as", "not a picture extension", "png", small,
+         "Up Context2 Context2 End " + times("Backspace", 40) + " text:x.txt Select Select Context2", {"-rotate", "90"},
+         0, "x.txt.png"},
+        // Back on the name entry returns to the choices with the edits kept.
+        {"back", "from the name entry, then save", "png", small, "Up Context2 Context2 Context2 Context1 Context2",
+         {"-rotate", "90"}},
+        // Dropping the edits asks first: No keeps them, Yes drops them.
+        {"unchanged", "discard: no, then yes", "png", small, "Up Context2 Select Context2 Select Select Context2"},
+        // Done with nothing placed is like leaving: Back then closes the
+        // editor, as there is nothing to apply.
+        {"unchanged", "add elements, nothing placed", "png", small, menu(AddElements) + " Context1 wait:2100 Context2"},
         // A name a shell would act on is still just a name.
         {"save as", "hostile name", "png", small, "Up Context2 Context2 Home text:" + kHostile + " Select Context2",
          {"-rotate", "90"}, 0, kHostile + "{base}_edited.png"},
@@ -145,6 +168,16 @@ class TestEditFlows : public QObject
         const QStringList stray = QDir(FlowRunner::workingDirOf(run->file)).entryList(all);
         if (!stray.isEmpty())
             return "written into the working directory: " + stray.join(", ");
+        // Every screen the run showed lay within the handset's 240x320: a
+        // notice or menu beyond it would have made the shot larger.
+        const QStringList shots = QDir(FlowRunner::shotsDirOf(run->file)).entryList({"*.png"}, QDir::Files);
+        if (shots.isEmpty())
+            return "no screenshots";
+        for (const QString &shot : shots) {
+            const QSize size = QImage(FlowRunner::shotsDirOf(run->file) + '/' + shot).size();
+            if (size != QSize(240, 320))
+                return QString("screenshot %1 is %2x%3").arg(shot).arg(size.width()).arg(size.height());
+        }
         QStringList expected{file.fileName(), alsoWritten}, found = file.dir().entryList(all);
         expected.removeAll(QString());
         expected.sort();
@@ -195,6 +228,8 @@ private slots:
                                                                   : photo(size.width(), size.height());
             QVERIFY(QDir().mkpath(folder(i)));
             QVERIFY(image.save(original(i), f.format, 92) && QFile::copy(original(i), picture(i)));
+            if (!f.existing.isEmpty())
+                QVERIFY(QFile::copy(original(i), folder(i) + '/' + QString(f.existing).replace("{base}", baseName(i))));
             m_runner.add(id(f), picture(i), f.keys);
         }
     }
@@ -211,6 +246,19 @@ private slots:
     // An offered size is written as it is, with the proportions kept.
     void resize_data() { addRows("resize"); }
     void resize() { checkAgainstReference(); }
+
+    // Back from the name entry keeps the edits: Save then writes them.
+    void backFromNameKeepsEdits_data() { addRows("back"); }
+    void backFromNameKeepsEdits() { checkAgainstReference(); }
+
+    // Flows that must leave the picture as it was and write nothing else.
+    void unchanged_data() { addRows("unchanged"); }
+    void unchanged()
+    {
+        QFETCH(int, index);
+        CHECK_RUN(id(flowTable().at(index)), QString());
+        QCOMPARE(fileBytes(picture(index)), fileBytes(original(index)));
+    }
 
     // Cancel drops the quick edits made so far; the editor stays usable.
     void cancelDropsEdits_data() { addRows("cancel"); }

@@ -63,6 +63,7 @@ private slots:
     void cleanup() { delete m_screen; }
     void menuKeysRunOneItem_data();
     void menuKeysRunOneItem();
+    void softKeyClicksActOnOpenMenu();
     void softKeysCloseMenuWithoutActing_data();
     void softKeysCloseMenuWithoutActing();
     void disabledSoftKeyIgnoresKeyAndClick_data();
@@ -114,6 +115,7 @@ void tst_ToolkitKeys::menuKeysRunOneItem_data()
     QTest::newRow("down wraps") << open << QList<int>{down, down, down} << select << "rotate";
     QTest::newRow("up wraps") << open << QList<int>{up} << select << "style";
     QTest::newRow("F1, Return") << int(Qt::Key_F1) << QList<int>{down, down} << int(Qt::Key_Return) << "style";
+    QTest::newRow("left soft key selects") << open << QList<int>{down} << open << "resize";
 }
 
 void tst_ToolkitKeys::menuKeysRunOneItem()
@@ -124,19 +126,36 @@ void tst_ToolkitKeys::menuKeysRunOneItem()
     QFETCH(QString, expected);
     press(openKey);
     QVERIFY(m_menu->isOpen() && m_menu->isVisible());
+    // The bar says what the keys do while the menu has them.
+    QCOMPARE(m_keys->text(ZSoftKey::LEFT), QStringLiteral("Select"));
+    QCOMPARE(m_keys->text(ZSoftKey::RIGHT), QStringLiteral("Back"));
     for (int key : moves)
         press(key);
     press(selectKey);
     QVERIFY(!m_menu->isOpen() && !m_menu->isVisible());
     QCOMPARE(m_rec.calls, QStringList{expected});
     QCOMPARE(QApplication::focusWidget(), m_screen);
+    QCOMPARE(m_keys->text(ZSoftKey::LEFT), QStringLiteral("Options"));
+}
+
+// A click on the bar does what its label says while the menu is open.
+void tst_ToolkitKeys::softKeyClicksActOnOpenMenu()
+{
+    m_keys->press(ZSoftKey::LEFT);
+    QVERIFY(m_menu->isOpen());
+    m_keys->press(ZSoftKey::RIGHT);
+    QVERIFY(!m_menu->isOpen());
+    QVERIFY(m_rec.calls.isEmpty());
+    m_keys->press(ZSoftKey::LEFT);
+    m_keys->press(ZSoftKey::LEFT);
+    QCOMPARE(m_rec.calls, QStringList{"rotate"});
 }
 
 void tst_ToolkitKeys::softKeysCloseMenuWithoutActing_data()
 {
     QTest::addColumn<int>("closeKey");
-    QTest::newRow("left soft key again") << int(Qt::Key_Context1);
     QTest::newRow("right soft key") << int(Qt::Key_Context2);
+    QTest::newRow("F2") << int(Qt::Key_F2);
 }
 
 // While the menu is open no key reaches the window, and closing it runs

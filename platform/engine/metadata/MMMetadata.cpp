@@ -80,10 +80,51 @@ QByteArray contents(Exiv2::Image &image)
     io.close();
     return read == size ? out : QByteArray();
 }
+
+// Offset of the JFIF APP0 segment's payload among the markers ahead of the
+// image data, or -1.
+int jfifPayload(const QByteArray &jpeg)
+{
+    const auto byte = [&jpeg](int i) { return i < jpeg.size() ? uchar(jpeg[i]) : 0; };
+    if (byte(0) != 0xFF || byte(1) != 0xD8)
+        return -1;
+    int at = 2;
+    while (byte(at) == 0xFF && ((byte(at + 1) >= 0xE0 && byte(at + 1) <= 0xEF) || byte(at + 1) == 0xFE)) {
+        const int length = (byte(at + 2) << 8) | byte(at + 3);
+        if (byte(at + 1) == 0xE0 && length >= 16 && jpeg.mid(at + 4, 5) == QByteArray("JFIF", 5))
+            return at + 4;
+        at += 2 + length;
+    }
+    return -1;
 }
+
+// The density (unit, horizontal, vertical) a print shop reads, taken from
+// the source's JFIF header into the one our encoder wrote.
+void copyJfifDensity(const QString &sourcePath, QByteArray &jpeg)
+{
+    QFile file(sourcePath);
+    if (!file.open(QIODevice::ReadOnly))
+        return;
+    const QByteArray head = file.read(1 << 16);
+    const int from = jfifPayload(head), to = jfifPayload(jpeg);
+    // The payload: "JFIF\0", version (2), unit (1), densities (2 + 2).
+    if (from < 0 || to < 0)
+        return;
+    jpeg.replace(to + 7, 5, head.mid(from + 7, 5));
+}
+} // namespace
 
 QByteArray MMMetadata::transplant(const QString &sourcePath, const QByteArray &jpeg, const QSize &size,
                                   const PictureSource &picture, bool keepIcc)
+{
+    QByteArray result = transplantSegments(sourcePath, jpeg, size, picture, keepIcc);
+    if (!result.isEmpty())
+        copyJfifDensity(sourcePath, result);
+    return result;
+}
+
+QByteArray MMMetadata::transplantSegments(const QString &sourcePath, const QByteArray &jpeg, const QSize &size,
+                                          const PictureSource &picture, bool keepIcc)
 {
     initExiv2();
     // An XMP packet Exiv2 cannot write back must not cost the EXIF and the
@@ -96,9 +137,10 @@ QByteArray MMMetadata::transplant(const QString &sourcePath, const QByteArray &j
             source->readMetadata();
             Exiv2::ExifData exif = source->exifData();
             Exiv2::XmpData xmp = withXmp ? source->xmpData() : Exiv2::XmpData();
+            const Exiv2::IptcData iptc = source->iptcData();
             const bool icc = keepIcc && source->iccProfileDefined();
             const std::string comment = source->comment();
-            if (exif.empty() && xmp.empty() && !icc && comment.empty())
+            if (exif.empty() && xmp.empty() && iptc.empty() && !icc && comment.empty())
                 return jpeg;
 
             auto target = Exiv2::ImageFactory::open(reinterpret_cast<const Exiv2::byte *>(jpeg.constData()),
@@ -109,6 +151,7 @@ QByteArray MMMetadata::transplant(const QString &sourcePath, const QByteArray &j
             fix(exif, xmp, size, picture);
             target->setExifData(exif);
             target->setXmpData(xmp);
+            target->setIptcData(iptc);
             if (icc)
                 target->setIccProfile(*source->iccProfile(), false);
             if (!comment.empty())
@@ -155,4 +198,27 @@ QImage MMMetadata::thumbnailSource(const QByteArray &jpeg)
         return QImage();
     reader.setScaledSize(size.scaled(kThumbnailBound, Qt::KeepAspectRatio).expandedTo(QSize(1, 1)));
     return reader.read();
+}
+
+QDate MMMetadata::captureDate(const QString &path)
+{
+    initExiv2();
+    try {
+        auto image = Exiv2::ImageFactory::open(std::string(QFile::encodeName(path).constData()));
+        if (!image.get())
+            return QDate();
+        image->readMetadata();
+        const Exiv2::ExifData &exif = image->exifData();
+        for (const char *key : {"Exif.Photo.DateTimeOriginal", "Exif.Photo.DateTimeDigitized"}) {
+            const auto it = exif.findKey(Exiv2::ExifKey(key));
+            if (it == exif.end())
+                continue;
+            // "YYYY:MM:DD HH:MM:SS"; cameras without a clock write blanks or zeros.
+            const QDate date = QDate::fromString(QString::fromStdString(it->toString()).left(10), "yyyy:MM:dd");
+            if (date.isValid())
+                return date;
+        }
+    } catch (...) {
+    }
+    return QDate();
 }

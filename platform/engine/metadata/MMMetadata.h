@@ -1,5 +1,6 @@
 #pragma once
 #include <QByteArray>
+#include <QDate>
 #include <QImage>
 #include <QString>
 #include <functional>
@@ -14,15 +15,23 @@ public:
     // The saved picture, asked for only when a thumbnail is to be redrawn.
     using PictureSource = std::function<QImage()>;
 
-    // Copies the metadata of the file at sourcePath into jpeg, a picture of
-    // size. jpeg is returned unchanged when the source carries none; empty
+    // Copies the metadata of the file at sourcePath (EXIF, IPTC, XMP, ICC,
+    // comment, JFIF density) into jpeg, a picture of size. jpeg is returned unchanged when the source carries none; empty
     // on failure. keepIcc false leaves the colour profile out (a CMYK
     // profile must not describe RGB output).
     static QByteArray transplant(const QString &sourcePath, const QByteArray &jpeg, const QSize &size,
                                  const PictureSource &picture, bool keepIcc);
+private:
+    static QByteArray transplantSegments(const QString &sourcePath, const QByteArray &jpeg, const QSize &size,
+                                         const PictureSource &picture, bool keepIcc);
+
+public:
     // Fixes, in place, the metadata that jpeg already carries (markers
     // copied by a lossless transform). Empty on failure.
     static QByteArray normalize(const QByteArray &jpeg, const QSize &size, const PictureSource &picture);
+    // The day the photo at path was taken, from its EXIF (original, then
+    // digitized date); invalid when it says none or can not be read.
+    static QDate captureDate(const QString &path);
     // A small upright copy of a JPEG stream, decoded at reduced scale, for
     // the thumbnail.
     static QImage thumbnailSource(const QByteArray &jpeg);

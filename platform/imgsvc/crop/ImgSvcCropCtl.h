@@ -4,11 +4,16 @@
 #include <QRect>
 
 // Crop control: the selection rectangle in input-image pixels (inclusive
-// edges), the active corner and the step sizes of the five-way key.
+// edges) and what the five-way key moves: the bottom-right corner, the
+// top-left corner or the whole rectangle. The corners never cross and the
+// rectangle never shrinks below a small part of the picture, so a confirmed
+// crop is always a picture the user can see framed.
 class ImgSvcCropCtl : public ImgSvcCtlInterface
 {
     Q_OBJECT
 public:
+    enum Handle { SecondCorner = 0, FirstCorner, Whole };
+
     explicit ImgSvcCropCtl(QObject *parent = nullptr);
     ~ImgSvcCropCtl() override;
 
@@ -16,16 +21,20 @@ public:
     int smallStep() const { return m_small; }
     int largeStep() const { return m_large; }
 
-    // Steps are in input-image pixels.
-    // Starts a selection at p: both corners there, the second corner active.
-    // That is a valid 1 x 1 selection; moving the active corner grows it.
+    // Starts a selection centred on p covering 80 % of the picture each
+    // way, clipped to it, the bottom-right corner active.
     void set1stPoint(const QPoint &p);
-    QRect getCropRect() const; // normalised, clipped to the input
-    bool secondCornerActive() const { return m_second; }
-    QPoint activeCorner() const { return m_second ? m_p2 : m_p1; }
+    QRect getCropRect() const { return m_rect; }
+    Handle activeHandle() const { return m_handle; }
+    bool secondCornerActive() const { return m_handle == SecondCorner; }
+    // The corner a press moves; the centre while the whole rectangle moves.
+    QPoint activeCorner() const;
+    // Bottom-right corner, then top-left corner, then the whole rectangle.
     void switchCorner();
-    // Moves the active corner by (dx, dy) pixels, clipped to the input.
+    // Moves what is active by (dx, dy) pixels, kept inside the picture.
     void moveActiveCorner(int dx, int dy);
+    // The shortest side a selection may have.
+    int minimumSide() const;
 
     void refresh(bool reload) override;
 
@@ -36,11 +45,12 @@ protected:
     void writeResult() override;
 
 private:
-    QPoint clamped(const QPoint &p) const;
     void inputSizeChanged();
+    // Pulls the rectangle back into the picture and up to the minimum size.
+    QRect fitted(QRect r) const;
 
     QSize m_size; // of the input, cached: every key press asks for it
-    QPoint m_p1, m_p2;
-    bool m_second = true;
+    QRect m_rect;
+    Handle m_handle = SecondCorner;
     int m_small = 1, m_large = 15;
 };

@@ -132,7 +132,7 @@ QSize ImgSvcElementFactory::elementSize(int element, const QSize &imageSize)
     return s.boundedTo(imageSize);
 }
 
-QImage ImgSvcElementFactory::render(int element, const QSize &size)
+QImage ImgSvcElementFactory::render(int element, const QSize &size, const QDate &date)
 {
     if (size.isEmpty() || element < 0 || element >= ElementCount)
         return QImage();
@@ -154,7 +154,7 @@ QImage ImgSvcElementFactory::render(int element, const QSize &size)
     case DateStamp:
         // The look of a camera's date imprint: orange digits, dark edge. ISO
         // order reads the same in every country.
-        drawText(p, r, QDate::currentDate().toString(Qt::ISODate), QColor(255, 140, 20), QColor(60, 20, 0));
+        drawText(p, r, (date.isValid() ? date : QDate::currentDate()).toString(Qt::ISODate), QColor(255, 140, 20), QColor(60, 20, 0));
         break;
     case Bubble:
         drawBubble(p, r);
@@ -163,12 +163,12 @@ QImage ImgSvcElementFactory::render(int element, const QSize &size)
     return img;
 }
 
-QString ImgSvcElementFactory::writeTempFile(int element, const QSize &placedSize)
+QString ImgSvcElementFactory::writeTempFile(int element, const QSize &placedSize, const QDate &date)
 {
     QSize drawn = placedSize;
     if (drawn.width() > MaxFileSide || drawn.height() > MaxFileSide)
         drawn.scale(MaxFileSide, MaxFileSide, Qt::KeepAspectRatio);
-    const QImage img = render(element, drawn.expandedTo(QSize(1, 1)));
+    const QImage img = render(element, drawn.expandedTo(QSize(1, 1)), date);
     if (img.isNull())
         return QString();
     const QString placeholder = QString::fromStdString(VOUtility::genTempFileName(QDir::tempPath().toStdString() + '/'));

@@ -1,4 +1,5 @@
 #pragma once
+#include <QDate>
 #include <QImage>
 #include <QSize>
 #include <QString>
@@ -18,9 +19,10 @@ public:
     // about a quarter of its shorter side, never larger than the image.
     static QSize elementSize(int element, const QSize &imageSize);
     // The element drawn at size; null for an unknown element or an empty size.
-    static QImage render(int element, const QSize &size);
+    // The date stamp shows date, or today's when it is not valid.
+    static QImage render(int element, const QSize &size, const QDate &date = QDate());
     // Writes the element for a placement of placedSize into a new PNG in the
     // temporary directory and returns its path; empty on failure. Very large
     // placements are drawn smaller: the overlay scales them up.
-    static QString writeTempFile(int element, const QSize &placedSize);
+    static QString writeTempFile(int element, const QSize &placedSize, const QDate &date = QDate());
 };

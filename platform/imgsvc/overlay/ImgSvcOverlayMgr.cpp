@@ -5,6 +5,7 @@
 #include "ImgSvcOverlayView.h"
 #include "MMOverlayImageCommand.h"
 #include "ZSoftKey.h"
+#include "MMMetadata.h"
 #include <QFile>
 #include <QKeyEvent>
 #include <QLabel>
@@ -36,6 +37,9 @@ ImgSvcOverlayMgr::~ImgSvcOverlayMgr()
 void ImgSvcOverlayMgr::setOriginalFile(const QString &file)
 {
     m_originalFile = file;
+    // The date stamp tells when the photo was taken, when the camera said.
+    m_stampDate = MMMetadata::captureDate(file);
+    m_view->setStampDate(m_stampDate);
 }
 
 QRect ImgSvcOverlayMgr::currentRect() const
@@ -75,6 +79,11 @@ void ImgSvcOverlayMgr::leftSoftKey()
 {
     if (m_moving) {
         place();
+        return;
+    }
+    // Nothing placed is nothing to save: the same as leaving.
+    if (m_ctl->getCommandList().empty()) {
+        report(m_ctl, 1);
         return;
     }
     m_confirmed = true;
@@ -125,7 +134,7 @@ void ImgSvcOverlayMgr::place()
         return;
     QString file = m_elementFiles.value(m_element);
     if (file.isEmpty()) {
-        file = ImgSvcElementFactory::writeTempFile(m_element, r.size());
+        file = ImgSvcElementFactory::writeTempFile(m_element, r.size(), m_stampDate);
         if (file.isEmpty()) {
             m_status->setText(tr("Could not prepare the element."));
             return;

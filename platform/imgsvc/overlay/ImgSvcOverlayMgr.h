@@ -1,4 +1,5 @@
 #pragma once
+#include <QDate>
 #include "ImgSvcScreen.h"
 #include <QMap>
 #include <QRect>
@@ -56,6 +57,7 @@ private:
     ImgSvcOverlayView *m_view;
     QLabel *m_status;
     QString m_originalFile;
+    QDate m_stampDate; // invalid: today's
     std::vector<QString> m_tmpFiles;
     QMap<int, QString> m_elementFiles; // one file per element, shared by its placements
     QSize m_imageSize;

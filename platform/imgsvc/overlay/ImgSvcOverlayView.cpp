@@ -39,12 +39,12 @@ void ImgSvcOverlayView::paintMarks(QPainter &painter, const ImgSvcFitMapper &map
     painter.drawRect(box);
 }
 
-void ImgSvcOverlayView::drawElement(QPainter &painter, int element, const QRectF &at)
+void ImgSvcOverlayView::drawElement(QPainter &painter, int element, const QRectF &at) const
 {
     // Drawn afresh at screen size: a few small images per key press, and
     // always as sharp as the screen allows.
     const QRect target = at.toAlignedRect();
-    const QImage img = ImgSvcElementFactory::render(element, target.size());
+    const QImage img = ImgSvcElementFactory::render(element, target.size(), m_stampDate);
     if (!img.isNull())
         painter.drawImage(target.topLeft(), img);
 }

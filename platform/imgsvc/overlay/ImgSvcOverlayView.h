@@ -1,5 +1,6 @@
 #pragma once
 #include "ImgSvcPictureView.h"
+#include <QDate>
 #include <QRect>
 #include <vector>
 
@@ -17,6 +18,8 @@ public:
     int placedCount() const { return int(m_placed.size()); }
     // element -1 shows none.
     void setCurrent(int element, const QRect &rect, bool moving);
+    // The date the date stamp shows; invalid: today's.
+    void setStampDate(const QDate &date) { m_stampDate = date; update(); }
 
 protected:
     void paintMarks(QPainter &painter, const ImgSvcFitMapper &map) override;
@@ -27,10 +30,11 @@ private:
         int element;
         QRect rect;
     };
-    static void drawElement(QPainter &painter, int element, const QRectF &at);
+    void drawElement(QPainter &painter, int element, const QRectF &at) const;
 
     std::vector<Placed> m_placed;
     int m_current = -1;
     QRect m_currentRect;
     bool m_moving = false;
+    QDate m_stampDate;
 };

@@ -1,5 +1,6 @@
 #include "ImgSvcResizeCtl.h"
 #include "ImgSvcCtlEvent.h"
+#include "ImgSvcPreviewScale.h"
 #include "MMImageScaler.h"
 #include "MMImageSource.h"
 
@@ -16,6 +17,16 @@ void ImgSvcResizeCtl::setTargetSize(const QSize &size)
 
 int ImgSvcResizeCtl::process()
 {
+    const int result = scale();
+    // Run on its own, this makes a preview: screens shown it later give
+    // sizes in the pixels of the picture it was made from.
+    if (result == 0)
+        ImgSvcPreviewScale::record(QString::fromStdString(getOutput()->getFileName()), m_target, getInputSize());
+    return result;
+}
+
+int ImgSvcResizeCtl::scale()
+{
     if (!getInput() || !getOutput() || m_target.isEmpty())
         return -1;
     return MMImageScaler::scaleFile(QString::fromStdString(getInput()->getFileName()),
@@ -24,6 +35,7 @@ int ImgSvcResizeCtl::process()
 
 void ImgSvcResizeCtl::writeResult()
 {
+    // The user's resize: a new picture, not a preview.
     if (m_target.isValid() && !m_target.isEmpty())
-        process();
+        scale();
 }

@@ -21,5 +21,6 @@ protected:
     void writeResult() override;
 
 private:
+    int scale();
     QSize m_target;
 };

@@ -7,9 +7,11 @@
 #include "ImgSvcPictureView.h"
 #include "ImgSvcSaveCtl.h"
 #include "ImgSvcSaveNamePage.h"
+#include "ImgSvcWaitDlg.h"
 #include "ZGlobal.h"
 #include "ZPopup.h"
 #include "ZSoftKey.h"
+#include "ZTheme.h"
 #include <QFileInfo>
 #include <QKeyEvent>
 #include <QLabel>
@@ -27,10 +29,12 @@ ImgSvcSaveMgr::ImgSvcSaveMgr(QWidget *canvas, QWidget *parent, const char *name,
     m_view = new ImgSvcPictureView(preview);
     m_nameLabel = new QLabel(preview);
     m_sizeLabel = new QLabel(preview);
+    // Dropping the edits is offered, but never on a soft key next to Save.
+    auto *discard = new QLabel(tr("TXT_RID_SAVE_SELECT_DISCARDS", "Select: discard the edits"), preview);
     // A long name is elided rather than widening the screen.
-    m_nameLabel->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-    m_sizeLabel->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-    layOutPicture(preview, m_view, {m_nameLabel, m_sizeLabel});
+    for (QLabel *line : {m_nameLabel, m_sizeLabel, discard})
+        line->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    layOutPicture(preview, m_view, {m_nameLabel, m_sizeLabel, discard});
 
     m_namePage = new ImgSvcSaveNamePage(m_pages);
     m_pages->addWidget(preview);
@@ -52,7 +56,12 @@ void ImgSvcSaveMgr::setOriginalFileName(const QString &file, const QSize &size)
 {
     m_originalFile = file;
     m_newSize = size;
-    m_fileName = QFileInfo(file).fileName();
+    updateInfo();
+}
+
+void ImgSvcSaveMgr::setEditedFile(const QString &file)
+{
+    m_editedFile = file;
     updateInfo();
 }
 
@@ -64,6 +73,16 @@ void ImgSvcSaveMgr::deleteWaitDlg()
 ZPopup *ImgSvcSaveMgr::waitDialog() const
 {
     return m_wait.data();
+}
+
+ZPopup *ImgSvcSaveMgr::question() const
+{
+    return m_question.data();
+}
+
+QString ImgSvcSaveMgr::shownFileName() const
+{
+    return QFileInfo(m_originalFile.isEmpty() ? m_editedFile : m_originalFile).fileName();
 }
 
 bool ImgSvcSaveMgr::isNameEntryShown() const
@@ -83,9 +102,14 @@ QString ImgSvcSaveMgr::shownSizeText() const
 
 bool ImgSvcSaveMgr::keypadKey(QKeyEvent *event)
 {
-    if (!ImgSvcKeys::isSelect(event->key()) || !isNameEntryShown())
+    if (!ImgSvcKeys::isSelect(event->key()))
         return false;
-    acceptName();
+    if (event->isAutoRepeat())
+        return true;
+    if (isNameEntryShown())
+        acceptName();
+    else
+        offerDiscard();
     return true;
 }
 
@@ -111,51 +135,79 @@ void ImgSvcSaveMgr::hideEvent(QHideEvent *event)
         deleteWaitDlg();
 }
 
-bool ImgSvcSaveMgr::eventFilter(QObject *watched, QEvent *event)
-{
-    // The wait dialog (the only object watched) stands for work the caller
-    // is doing; a key must not take it away early. qobject_cast, not a
-    // comparison with m_wait, which would downcast a dialog being destroyed.
-    if (qobject_cast<ZPopup *>(watched) && (event->type() == QEvent::KeyPress || event->type() == QEvent::KeyRelease || event->type() == QEvent::ShortcutOverride))
-        return true;
-    return ZKbMainWidget::eventFilter(watched, event);
-}
-
 void ImgSvcSaveMgr::leftSoftKey()
 {
     if (isNameEntryShown()) {
         acceptName();
         return;
     }
-    m_wait = new ZPopup(this);
-    m_wait->setText(tr("Saving..."));
-    m_wait->setTimeout(0);
-    m_wait->installEventFilter(this);
-    // Nothing to acknowledge: the popup's own soft keys are of no use.
-    if (auto *popupKeys = m_wait->findChild<ZSoftKey *>())
-        popupKeys->hide();
-    m_wait->show();
-    // The save runs synchronously once our report arrives: let the dialog
-    // reach the screen first, or the user never sees it.
-    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+    // The save runs synchronously once our report arrives: the dialog
+    // must be on the screen first, or the user never sees it.
+    showWait();
     report(m_ctl, 0);
 }
 
 void ImgSvcSaveMgr::rightSoftKey()
 {
-    if (isNameEntryShown()) {
+    // Back from the name entry is back to the choices, edits kept.
+    showNameEntry(!isNameEntryShown());
+}
+
+void ImgSvcSaveMgr::showWait()
+{
+    delete m_wait.data();
+    auto *wait = new ImgSvcWaitDlg(tr("TXT_RID_SAVE_SAVING", "Saving..."), this);
+    m_wait = wait;
+    wait->showNow();
+}
+
+void ImgSvcSaveMgr::ask(const QString &question, std::function<void()> onYes)
+{
+    // Not exec(): a nested event loop would hold up whoever sent the key
+    // that brought the question.
+    delete m_question.data();
+    auto *popup = new ZPopup(this);
+    m_question = popup;
+    popup->setText(question);
+    popup->setSoftKeyTexts(tr("TXT_RID_SOFTKEY_YES", "Yes"), tr("TXT_RID_SOFTKEY_NO", "No"));
+    connect(popup, &QDialog::finished, this, [this, popup, onYes](int result) {
+        popup->deleteLater();
+        // The popup had the keypad; it comes back to the screen, or to the entry.
+        activateWindow();
+        if (isNameEntryShown())
+            m_namePage->lineEdit()->setFocus();
+        else
+            setFocus();
+        if (result == QDialog::Accepted)
+            onYes();
+    });
+    popup->open();
+}
+
+QString ImgSvcSaveMgr::fitted(const QString &fileName)
+{
+    // A name is one word to the line breaker: too long, it would be cut at
+    // the popup's edges rather than wrapped.
+    const int width = ZGlobal::screenSize().width() * 7 / 10;
+    return QFontMetrics(ZTheme::bodyFont()).elidedText(fileName, Qt::ElideMiddle, width);
+}
+
+void ImgSvcSaveMgr::offerDiscard()
+{
+    ask(tr("TXT_RID_SAVE_DISCARD_QUESTION", "Discard all edits? The picture stays as it was."), [this] {
+        // No name: the edits are not written anywhere.
         m_saveAsName = QString();
         report(m_ctl, 1);
-    } else {
-        showNameEntry(true);
-    }
+    });
 }
 
 QString ImgSvcSaveMgr::namingReference() const
 {
     if (!m_originalFile.isEmpty())
         return m_originalFile;
-    // Told no file name: a new file goes to the user's home folder, in the
+    if (!m_editedFile.isEmpty())
+        return m_editedFile;
+    // Told no file at all: a new file goes to the user's home folder, in the
     // format of the picture being saved, rather than wherever the host runs.
     const MMImageSource *picture = m_ctl->getInput() ? m_ctl->getInput() : m_ctl->getOutput();
     QString suffix = picture ? QFileInfo(QString::fromUtf8(picture->getFileName().c_str())).suffix() : QString();
@@ -178,7 +230,7 @@ void ImgSvcSaveMgr::showNameEntry(bool show)
         m_namePage->offerNameFor(namingReference());
         m_pages->setCurrentWidget(m_namePage);
         setMainWidgetTitle(tr("Save as"));
-        keys->setText(ZSoftKey::LEFT, tr("OK"));
+        keys->setText(ZSoftKey::LEFT, tr("TXT_RID_SOFTKEY_OK", "OK"));
         keys->setText(ZSoftKey::RIGHT, tr("Back"));
         m_namePage->lineEdit()->setFocus();
     } else {
@@ -191,12 +243,21 @@ void ImgSvcSaveMgr::showNameEntry(bool show)
 
 void ImgSvcSaveMgr::acceptName()
 {
-    // Nothing typed, or a folder: the page stays up.
+    // Nothing typed, a folder, or a name the picture can not be written
+    // under: the page stays up with a note.
     const QString path = m_namePage->chosenPath(namingReference());
     if (path.isEmpty())
         return;
-    m_saveAsName = path;
-    report(m_ctl, 1);
+    auto save = [this, path] {
+        m_saveAsName = path;
+        showWait();
+        report(m_ctl, 1);
+    };
+    // No: back to the entry, the name kept for correcting.
+    if (QFileInfo::exists(path))
+        ask(tr("TXT_RID_SAVE_REPLACE_QUESTION", "Replace %1?").arg(fitted(QFileInfo(path).fileName())), save);
+    else
+        save();
 }
 
 void ImgSvcSaveMgr::updateInfo()
@@ -204,8 +265,9 @@ void ImgSvcSaveMgr::updateInfo()
     // Labels get their width late, from the layout; the screen's is known now.
     const qint16 *l = ImgSvcLayout::layout;
     const int width = qMax(20, ZGlobal::screenSize().width() - l[69] - l[70] - l[0] - l[1]);
-    m_nameLabel->setText(m_nameLabel->fontMetrics().elidedText(m_fileName, Qt::ElideMiddle, width));
-    m_nameLabel->setToolTip(m_fileName);
+    const QString fileName = shownFileName();
+    m_nameLabel->setText(m_nameLabel->fontMetrics().elidedText(fileName, Qt::ElideMiddle, width));
+    m_nameLabel->setToolTip(fileName);
     const bool hasSize = m_newSize.width() > 0 && m_newSize.height() > 0;
     m_sizeLabel->setText(hasSize ? tr("New size: %1 x %2").arg(m_newSize.width()).arg(m_newSize.height()) : QString());
     m_sizeLabel->setVisible(hasSize);

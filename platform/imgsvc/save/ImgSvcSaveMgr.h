@@ -3,6 +3,7 @@
 #include <QImage>
 #include <QPointer>
 #include <QSize>
+#include <functional>
 
 class ImgSvcPictureView;
 class ImgSvcSaveCtl;
@@ -15,8 +16,12 @@ class ZPopup;
 // new size. "Save" (left soft key) shows the wait dialog and reports result 0;
 // "Save as" (right soft key) asks for a name and reports result 1, with
 // getSaveAsFilename() the chosen path (a relative name lies beside the
-// original) or a null string when the user backs out of the name entry. A
-// name that stands for a folder is refused on the entry page.
+// original, or beside the edited file when no original was named); a name
+// that exists is replaced only after the user said yes, and Back on the
+// entry returns to the choices. Select on the choices offers to drop the
+// edits: after a yes, result 1 with a null name. A name that stands for a
+// folder, or whose extension is no format a picture is written in, is
+// refused on the entry page with a note.
 // The screen reports once and stays up; whoever showed it closes it. While
 // the wait dialog is up it takes no keys: only deleteWaitDlg(), closing the
 // screen (with auto-delete on) or deleting it removes it.
@@ -30,16 +35,21 @@ public:
     ImgSvcSaveCtl *getSaveCtl() const { return m_ctl; }
     void setAutoDeleteWaitDlg(bool autoDelete) { m_autoDeleteWait = autoDelete; }
     void setOriginalFileName(const QString &file, const QSize &size);
+    // The file the picture was edited from: where new names are offered
+    // when no original file name is given.
+    void setEditedFile(const QString &file);
     QString getSaveAsFilename() const { return m_saveAsName; }
     // Removes the wait dialog shown by "Save".
     void deleteWaitDlg();
     ZPopup *waitDialog() const;
+    // The yes/no question open over the screen, if any.
+    ZPopup *question() const;
 
     bool isNameEntryShown() const;
     ImgSvcSaveNamePage *namePage() const { return m_namePage; }
     // What the screen shows: the output picture, the name and size lines.
     QImage shownImage() const;
-    QString shownFileName() const { return m_fileName; }
+    QString shownFileName() const;
     QString shownSizeText() const;
 
 protected:
@@ -47,7 +57,6 @@ protected:
     void settle() override;
     void showEvent(QShowEvent *event) override;
     void hideEvent(QHideEvent *event) override;
-    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     void leftSoftKey() override;
@@ -55,7 +64,13 @@ private:
     void reload();
     void showNameEntry(bool show);
     void acceptName();
+    void offerDiscard();
+    // Yes or no over the screen; onYes runs after a yes.
+    void ask(const QString &question, std::function<void()> onYes);
+    void showWait();
     void updateInfo();
+    // A file name short enough for a line of a popup.
+    static QString fitted(const QString &fileName);
 
     ImgSvcSaveCtl *m_ctl;
     QStackedWidget *m_pages;
@@ -63,12 +78,13 @@ private:
     QLabel *m_nameLabel;
     QLabel *m_sizeLabel;
     ImgSvcSaveNamePage *m_namePage;
-    QString m_fileName;
     // The file new names are made beside and after.
     QString namingReference() const;
     QString m_originalFile;
+    QString m_editedFile;
     QSize m_newSize;
     QString m_saveAsName;
     bool m_autoDeleteWait = true;
     QPointer<ZPopup> m_wait;
+    QPointer<ZPopup> m_question;
 };

@@ -1,6 +1,7 @@
 #include "ImgSvcTestSupport.h"
 #include "ImgSvcCropCtl.h"
 #include "ImgSvcCropMgr.h"
+#include "ImgSvcPreviewScale.h"
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -23,25 +24,28 @@ private slots:
         QTest::addColumn<Keys>("keys");
         QTest::addColumn<QRect>("rect");
         QTest::addColumn<int>("result"); // -1: none
+        // 200 x 100 starts as 160 x 80 centred; a fresh step is 2 pixels
+        // (a hundredth of the longer side), a held one grows to 20.
         const QPoint at(100, 50), fine(1, 15);
+        const QRect start(21, 11, 160, 80);
         using Qt::Key_Left, Qt::Key_Right, Qt::Key_Up, Qt::Key_Down, Qt::Key_Select, Qt::Key_Context1, Qt::Key_Context2;
-        QTest::newRow("untouched start is one pixel") << false << at << fine << Keys{} << QRect(100, 50, 1, 1) << -1;
-        QTest::newRow("edges are inclusive") << false << at << fine << Keys{Key_Right, Key_Right, Key_Right, Key_Down, Key_Down} << QRect(100, 50, 4, 3) << -1;
-        QTest::newRow("one step back crosses over") << false << at << fine << Keys{Key_Left, Key_Up} << QRect(99, 49, 2, 2) << -1;
-        QTest::newRow("select moves the other corner") << false << at << fine << Keys{Key_Right, Key_Down, Key_Select, Key_Select | Held, Key_Left, Key_Left, Key_Up} << QRect(98, 49, 4, 3) << -1;
-        QTest::newRow("second select switches back") << false << at << fine << Keys{Key_Right, Key_Select, Key_Select, Key_Right} << QRect(100, 50, 3, 1) << -1;
-        QTest::newRow("return is select") << false << at << fine << Keys{Key_Right, Key_Right, Qt::Key_Return, Key_Left} << QRect(99, 50, 4, 1) << -1;
-        QTest::newRow("clipped to the picture") << false << QPoint(500, -7) << fine
-                                                << Keys{Key_Select, Key_Left} + Keys(20, Key_Left | Held) + Keys{Key_Down} + Keys(20, Key_Down | Held) + Keys{Key_Right, Key_Select, Key_Left}
-                                                << QRect(1, 0, 198, 100) << -1;
-        QTest::newRow("held key doubles up to the large step") << false << QPoint(0, 0) << fine << Keys{Key_Right} + Keys(5, Key_Right | Held) << QRect(0, 0, 1 + 1 + 2 + 4 + 8 + 15 + 15, 1) << -1;
-        QTest::newRow("fresh press starts small") << false << QPoint(0, 0) << fine << Keys{Key_Right} + Keys(3, Key_Right | Held) + Keys{Key_Right} << QRect(0, 0, 1 + 1 + 2 + 4 + 8 + 1, 1) << -1;
-        QTest::newRow("the control's steps") << false << QPoint(0, 0) << QPoint(5, 12) << Keys{Key_Down} + Keys(2, Key_Down | Held) << QRect(0, 0, 1, 1 + 5 + 10 + 12) << -1;
-        QTest::newRow("large picture: a screen pixel at least") << true << QPoint(1200, 600) << fine << Keys{Key_Right, Key_Down} + Keys(6, Key_Down | Held)
-                                                                << QRect(1200, 600, 1 + 10, 1 + 10 + 20 + 40 + 80 + 80 + 80 + 80) << -1;
-        QTest::newRow("large picture: coarser steps as given") << true << QPoint(1200, 600) << QPoint(50, 200) << Keys{Key_Left} << QRect(1150, 600, 51, 1) << -1;
-        QTest::newRow("crop, then settled") << false << at << fine << Keys{Key_Right, Key_Context1, Key_Context2, Key_Right, Key_Select, Key_Down} << QRect(100, 50, 2, 1) << 0;
-        QTest::newRow("back, then settled") << false << at << fine << Keys{Key_Context2, Key_Context1, Key_Right} << QRect(100, 50, 1, 1) << 1;
+        QTest::newRow("untouched start is the centred 80 %") << false << at << fine << Keys{} << start << -1;
+        QTest::newRow("lower right corner first") << false << at << fine << Keys{Key_Right, Key_Right, Key_Down} << QRect(21, 11, 164, 82) << -1;
+        QTest::newRow("select: upper left corner") << false << at << fine << Keys{Key_Select, Key_Select | Held, Key_Left, Key_Up} << QRect(19, 9, 162, 82) << -1;
+        QTest::newRow("select twice: the frame moves") << false << at << fine << Keys{Key_Select, Key_Select, Key_Left} << QRect(19, 11, 160, 80) << -1;
+        QTest::newRow("three selects: lower right again") << false << at << fine << Keys{Key_Select, Key_Select, Key_Select, Key_Right} << QRect(21, 11, 162, 80) << -1;
+        QTest::newRow("return is select") << false << at << fine << Keys{Qt::Key_Return, Key_Left} << QRect(19, 11, 162, 80) << -1;
+        QTest::newRow("corners never cross") << false << at << fine << Keys{Key_Left} + Keys(20, Key_Left | Held) << QRect(21, 11, 5, 80) << -1;
+        QTest::newRow("the frame stays on the picture") << false << at << fine << Keys{Key_Select, Key_Select, Key_Right} + Keys(20, Key_Right | Held) << QRect(40, 11, 160, 80) << -1;
+        QTest::newRow("started off the picture") << false << QPoint(500, -7) << fine << Keys{} << QRect(40, 0, 160, 80) << -1;
+        QTest::newRow("held key doubles up to the large step") << false << at << fine << Keys{Key_Left} + Keys(5, Key_Left | Held) << QRect(21, 11, 160 - (2 + 4 + 8 + 16 + 20 + 20), 80) << -1;
+        QTest::newRow("fresh press starts small") << false << at << fine << Keys{Key_Left} + Keys(3, Key_Left | Held) + Keys{Key_Left} << QRect(21, 11, 160 - (2 + 4 + 8 + 16 + 2), 80) << -1;
+        QTest::newRow("the control's steps") << false << at << QPoint(5, 30) << Keys{Key_Up} + Keys(2, Key_Up | Held) << QRect(21, 11, 160, 80 - (5 + 10 + 20)) << -1;
+        // 2400 x 1200: 1920 x 960 at (241,121); steps of 24 growing to 240.
+        QTest::newRow("large picture: steps follow its size") << true << QPoint(1200, 600) << fine << Keys{Key_Left, Key_Up} + Keys(3, Key_Up | Held)
+                                                              << QRect(241, 121, 1920 - 24, 960 - (24 + 48 + 96 + 192)) << -1;
+        QTest::newRow("crop, then settled") << false << at << fine << Keys{Key_Left, Key_Context1, Key_Context2, Key_Left, Key_Select, Key_Down} << QRect(21, 11, 158, 80) << 0;
+        QTest::newRow("back, then settled") << false << at << fine << Keys{Key_Context2, Key_Context1, Key_Left} << start << 1;
     }
 
     void keysShapeTheRectangle()
@@ -63,6 +67,33 @@ private slots:
         QCOMPARE(ctl->getCropRect(), rect);
         QVERIFY(rec.received.isEmpty()); // posted, not sent: the receiver may delete the screen
         QCOMPARE(rec.delivered(), (result < 0 ? Reports() : Reports{{CTL_EVENT_CROP, result}}));
+    }
+
+    // On a preview the size is stated in the pixels of the picture it was
+    // made from, also on a working copy named after it and turned; truncated
+    // as the crop is mapped when written (a scale of 0.1 held as a float is a
+    // little more than a tenth).
+    void sizeInPicturePixels_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<bool>("turned");
+        QTest::addColumn<QSize>("shown");
+        QTest::newRow("the preview") << "prev.png" << false << QSize(1599, 799);
+        QTest::newRow("a copy named after it, turned") << "tempsmall_prev.png" << true << QSize(799, 1599);
+        QTest::newRow("another picture") << "other.png" << false << QSize(160, 80);
+    }
+    void sizeInPicturePixels()
+    {
+        QFETCH(QString, name);
+        QFETCH(bool, turned);
+        QFETCH(QSize, shown);
+        ImgSvcPreviewScale::record(m_dir.filePath("prev.png"), QSize(200, 100), QSize(2000, 1000));
+        MMImageSource input;
+        writeSource(input, m_dir.filePath(name), quadrantImage(turned ? 100 : 200, turned ? 200 : 100));
+        ImgSvcCropMgr mgr(nullptr, nullptr);
+        mgr.getCropCtl()->setInput(&input);
+        mgr.getCropCtl()->refresh(true);
+        QCOMPARE(mgr.shownSize(), shown);
     }
 
 private:

@@ -1,4 +1,5 @@
 #include "ImgSvcTestSupport.h"
+#include "ImgSvcElementFactory.h"
 #include "ImgSvcOverlayCtl.h"
 #include "ImgSvcOverlayMgr.h"
 #include "MMOverlayImageCommand.h"
@@ -100,6 +101,52 @@ private slots:
                 delete c;
             QFile::remove(file);
         }
+    }
+
+    // Done with nothing placed is nothing to apply: reported as leaving.
+    void doneWithNothingPlacedLeaves()
+    {
+        ReportRecorder rec;
+        auto mgr = makeMgr(&rec);
+        sendKeys(mgr.get(), {Qt::Key_Select, Qt::Key_Context2, Qt::Key_Context1});
+        QCOMPARE(rec.delivered(), (Reports{{CTL_EVENT_OVERLAY, 1}}));
+        QVERIFY(mgr->getOverlayCtl()->getCommandList().empty());
+    }
+
+    // The date stamp says when the photo was taken, when its EXIF tells;
+    // today otherwise.
+    void dateStampShowsCaptureDate_data()
+    {
+        QTest::addColumn<QString>("taken");
+        QTest::addColumn<QDate>("shown");
+        QTest::newRow("taken on a known day") << "2019:07:14 10:11:12" << QDate(2019, 7, 14);
+        QTest::newRow("no date in the photo") << QString() << QDate::currentDate();
+    }
+    void dateStampShowsCaptureDate()
+    {
+        QFETCH(QString, taken);
+        QFETCH(QDate, shown);
+        if (QStandardPaths::findExecutable("exiftool").isEmpty())
+            QSKIP("exiftool is needed to date the photo");
+        const QString photo = m_dir.filePath(QString("taken-%1.jpg").arg(QTest::currentDataTag()));
+        QVERIFY(quadrantImage(400, 200).save(photo, "JPEG"));
+        if (!taken.isEmpty()) {
+            QProcess tool;
+            tool.start("exiftool", {"-q", "-overwrite_original", "-DateTimeOriginal=" + taken, photo});
+            QVERIFY(tool.waitForFinished() && tool.exitCode() == 0);
+        }
+        auto mgr = makeMgr(nullptr);
+        mgr->setOriginalFile(photo);
+        // Star, Heart, Frame, Date: chosen, then placed where it starts.
+        sendKeys(mgr.get(), {Qt::Key_Right, Qt::Key_Right, Qt::Key_Right, Qt::Key_Select, Qt::Key_Select});
+        QCOMPARE(int(mgr->getOverlayTmpFiles().size()), 1);
+        const QImage element = QImage(mgr->getOverlayTmpFiles().at(0)).convertToFormat(QImage::Format_ARGB32);
+        const auto drawn = [&](const QDate &date) {
+            return ImgSvcElementFactory::render(ImgSvcElementFactory::DateStamp, element.size(), date)
+                .convertToFormat(QImage::Format_ARGB32);
+        };
+        QVERIFY(element == drawn(shown));
+        QVERIFY(element != drawn(shown.addYears(-1)));
     }
 
 private:

@@ -18,6 +18,8 @@ private slots:
         writeSource(m_output, m_dir.filePath("work.png"), quadrantImage(160, 120));
         QVERIFY(QDir(m_dir.path()).mkpath("album"));
         QVERIFY(QDir(m_dir.path()).mkpath("shots.png"));
+        QFile taken(m_dir.filePath("taken.png"));
+        QVERIFY(taken.open(QIODevice::WriteOnly) && taken.write("x") == 1);
     }
 
     void saveAndSaveAs_data()
@@ -34,7 +36,11 @@ private slots:
         QTest::newRow("no extension gets the original's") << "beach" << Keys{left} << "beach.png" << 1;
         QTest::newRow("into a folder") << "album/x.png" << Keys{left} << "album/x.png" << 1;
         QTest::newRow("absolute name kept") << "/tmp/elsewhere.jpg" << Keys{left} << "/tmp/elsewhere.jpg" << 1;
-        QTest::newRow("empty name not taken, then backed out") << "" << Keys{select, left, right, left} << QString() << 1;
+        // Back from the entry is back to the choices, where Save still saves.
+        QTest::newRow("empty name not taken, back, save") << "" << Keys{select, left, right, left} << QString() << 0;
+        QTest::newRow("not a picture extension") << "notes.txt" << Keys{select} << QString() << -1;
+        QTest::newRow("not a picture extension, confirmed") << "notes.txt" << Keys{select, select} << "notes.txt.png" << 1;
+        QTest::newRow("upper-case extension") << "BEACH.PNG" << Keys{select} << "BEACH.PNG" << 1;
         QTest::newRow("a folder") << "album" << Keys{select, left} << QString() << -1;
         QTest::newRow("a folder, slash") << "album/" << Keys{select} << QString() << -1;
         QTest::newRow("a new folder") << "later/" << Keys{select} << QString() << -1;
@@ -59,8 +65,88 @@ private slots:
         sendKeys(edit, keys);
         QCOMPARE(rec.delivered(), (result < 0 ? Reports() : Reports{{CTL_EVENT_SAVE, result}}));
         QCOMPARE(mgr->getSaveAsFilename(), name.isNull() ? name : QDir(m_dir.path()).absoluteFilePath(name));
-        QCOMPARE(bool(mgr->waitDialog()), result == 0);
+        // Save as writes too: the wait shows from the moment it was chosen.
+        QCOMPARE(bool(mgr->waitDialog()), result >= 0);
         QCOMPARE(mgr->isNameEntryShown() && !mgr->namePage()->note().isEmpty(), result < 0);
+    }
+
+    // An existing name is replaced only after a yes; no returns to the
+    // entry with the name as typed.
+    void existingNameAsksFirst()
+    {
+        ReportRecorder rec;
+        auto mgr = makeMgr(&rec);
+        QLineEdit *edit = mgr->namePage()->lineEdit();
+        sendKeys(mgr.get(), {Qt::Key_Context2});
+        edit->setText("taken.png");
+        sendKeys(edit, {Qt::Key_Select});
+        QPointer<ZPopup> question = mgr->question();
+        QVERIFY(question && question->isVisible());
+        QVERIFY(question->text().contains("taken.png"));
+        sendKeys(question, {Qt::Key_Context2});
+        QTRY_VERIFY(!question);
+        QVERIFY(mgr->isNameEntryShown());
+        QCOMPARE(edit->text(), QStringLiteral("taken.png"));
+        QVERIFY(rec.delivered().isEmpty());
+
+        sendKeys(edit, {Qt::Key_Select});
+        question = mgr->question();
+        QVERIFY(question);
+        sendKeys(question, {Qt::Key_Select});
+        QCOMPARE(rec.delivered(), (Reports{{CTL_EVENT_SAVE, 1}}));
+        QCOMPARE(mgr->getSaveAsFilename(), m_dir.filePath("taken.png"));
+    }
+
+    // Dropping the edits is a choice of its own that asks first.
+    void discardAsksFirst()
+    {
+        ReportRecorder rec;
+        auto mgr = makeMgr(&rec);
+        sendKeys(mgr.get(), {Qt::Key_Select});
+        QPointer<ZPopup> question = mgr->question();
+        QVERIFY(question && question->isVisible());
+        sendKeys(question, {Qt::Key_Context2});
+        QTRY_VERIFY(!question);
+        QVERIFY(rec.delivered().isEmpty());
+        sendKeys(mgr.get(), {Qt::Key_Select});
+        sendKeys(mgr->question(), {Qt::Key_Select});
+        QCOMPARE(rec.delivered(), (Reports{{CTL_EVENT_SAVE, 1}}));
+        QVERIFY(mgr->getSaveAsFilename().isNull());
+    }
+
+    // Told only the edited file (as after a resize), new names are offered
+    // beside it, and the page names the folder the typed name lands in.
+    void folderOfEditedFile_data()
+    {
+        QTest::addColumn<QString>("typed"); // null: the offered name
+        QTest::addColumn<QString>("folder");
+        QTest::newRow("offered") << QString() << "";
+        QTest::newRow("relative sub-folder") << "album/a.png" << "album";
+        QTest::newRow("absolute") << "/tmp/a.png" << "/tmp";
+    }
+    void folderOfEditedFile()
+    {
+        QFETCH(QString, typed);
+        QFETCH(QString, folder);
+        ReportRecorder rec;
+        auto mgr = std::make_unique<ImgSvcSaveMgr>(nullptr, nullptr);
+        mgr->getSaveCtl()->setOutput(&m_output);
+        mgr->getSaveCtl()->setEventReceiver(&rec);
+        mgr->setEditedFile(m_dir.filePath("trip.jpg"));
+        mgr->show();
+        QCOMPARE(mgr->shownFileName(), QStringLiteral("trip.jpg"));
+        sendKeys(mgr.get(), {Qt::Key_Context2});
+        QLineEdit *edit = mgr->namePage()->lineEdit();
+        QCOMPARE(edit->text(), QStringLiteral("trip_edited.jpg"));
+        if (!typed.isNull()) {
+            edit->selectAll();
+            QTest::keyClicks(edit, typed);
+        }
+        const QString expected = QDir::cleanPath(QDir(m_dir.path()).absoluteFilePath(folder));
+        QCOMPARE(mgr->namePage()->folderShown(), expected);
+        sendKeys(edit, {Qt::Key_Select});
+        QCOMPARE(rec.delivered(), (Reports{{CTL_EVENT_SAVE, 1}}));
+        QCOMPARE(QFileInfo(mgr->getSaveAsFilename()).absolutePath(), expected);
     }
 
     void waitDialogStaysUntilDeleted()

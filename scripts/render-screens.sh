@@ -1,0 +1,86 @@
+#!/usr/bin/env bash
+# Renders every screen of the editor at 240x320 and 480x640 into docs/screens/,
+# driving the demo host with key scripts on a copy of a real photo. The wait
+# dialog and the storage-full notice are up only while the work they announce
+# blocks the host's key script, so those two come from the geometry test's
+# rendering of the same widgets. Needs a build (scripts/build.sh).
+set -euo pipefail
+root=$(cd "$(dirname "$0")/.." && pwd)
+viewer="$root/build/bin/vo-viewer"
+geometry="$root/build/bin/tst_imgsvc_geometry"
+out="$root/docs/screens"
+work=$(mktemp -d)
+# The save screens name the folder: a fixed one keeps the pictures the same.
+pics=/tmp/vo-screens/Pictures
+trap 'rm -rf "$work" /tmp/vo-screens' EXIT
+export QT_QPA_PLATFORM=offscreen
+[ -x "$viewer" ] && [ -x "$geometry" ] || { echo "build first: bash scripts/build.sh" >&2; exit 1; }
+mkdir -p "$out"
+
+# Add Elements is offered up to 640x480: the sample is a photo of that size.
+convert /usr/share/backgrounds/Kleiber_by_Lukas_Baubkus.jpg -resize 640x480 -quality 90 "$work/photo.jpg"
+
+# keep SHOTDIR INDEX NAME SIZE: one shot, made small (a palette PNG).
+keep() {
+  convert "$1/$(printf %03d "$2").png" -strip +dither -colors 128 "PNG8:$out/$3-$4.png"
+}
+
+# run SIZE NAME KEYS [extra viewer args]: the host on a fresh copy of the photo.
+run() {
+  local size=$1 name=$2 keys=$3
+  rm -rf "$work/$name" "$pics"
+  mkdir -p "$pics"
+  cp "$work/photo.jpg" "$pics/photo.jpg"
+  # Makes Save as's offered name an existing one: the replace question.
+  cp "$work/photo.jpg" "$pics/photo_edited.jpg"
+  timeout 120 "$viewer" --edit --screen "$size" --key-delay 500 --shots "$work/$name" --keys "$keys" \
+    --quit-when-closed "$pics/photo.jpg" >/dev/null 2>&1 || true
+}
+
+menu() { # Options, then the row $1 rows below the first, selected
+  local k="Context1"
+  for _ in $(seq 1 "$1"); do k="$k Down"; done
+  echo "$k Select"
+}
+
+for size in 240x320 480x640; do
+  # Main view, menu, a turn, the save screen, Save as, the replace question;
+  # then No, Back, drop the edits (Select, Yes) and leave.
+  run "$size" flow "Context1 Down Select Context2 wait:600 Context2 Select Context2 Context2 Select Select Context2"
+  keep "$work/flow" 0 main "$size"
+  keep "$work/flow" 2 options-menu "$size"
+  keep "$work/flow" 3 rotate "$size"
+  keep "$work/flow" 4 save "$size"
+  keep "$work/flow" 5 save-as "$size"
+  keep "$work/flow" 6 replace-question "$size"
+
+  # Sub-editors, each left without confirming (the keys wait 2 s after that).
+  run "$size" crop "$(menu 4) Right Context2 wait:2200 Context2"
+  keep "$work/crop" 7 crop "$size"
+  run "$size" resize "$(menu 5) Down Context2 wait:2200 Context2"
+  keep "$work/resize" 8 resize "$size"
+  run "$size" elements "$(menu 6) Select Left Context2 Context2 wait:2200 Context2"
+  keep "$work/elements" 9 add-elements "$size"
+  run "$size" style "$(menu 7) Down Down Context2 wait:2200 Context2"
+  keep "$work/style" 10 style "$size"
+
+  # Another editor holds the photo: the notice, then OK closes the editor.
+  rm -rf "$work/busy"
+  cp "$work/photo.jpg" "$work/busy.jpg"
+  flock "$work/busy.jpg" sleep 6 &
+  holder=$!
+  sleep 0.5
+  timeout 60 "$viewer" --edit --screen "$size" --key-delay 800 --shots "$work/busy" --keys "Select" \
+    --quit-when-closed "$work/busy.jpg" >/dev/null 2>&1 || true
+  # Let the holder finish on its own before the next size needs the file.
+  wait "$holder" || true
+  keep "$work/busy" 0 being-edited "$size"
+done
+
+# The wait dialog and the storage-full notice, as the geometry test lays them out.
+VO_SCREENS_DIR="$work/geometry" "$geometry" >/dev/null
+for size in 240x320 480x640; do
+  convert "$work/geometry/$size-wait.png" -strip +dither -colors 128 "PNG8:$out/wait-$size.png"
+  convert "$work/geometry/$size-storage-full.png" -strip +dither -colors 128 "PNG8:$out/storage-full-$size.png"
+done
+ls "$out"

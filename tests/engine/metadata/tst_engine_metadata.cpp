@@ -1,0 +1,100 @@
+// What a save keeps of a photo's description, read back by exiftool: IPTC,
+// every XMP property (known namespaces or not), the JFIF density; and the
+// capture date the date stamp shows.
+#include "EngineTestTools.h"
+#include "MMCommandRunner.h"
+#include "MMMetadata.h"
+#include <QTemporaryDir>
+#include <QtTest>
+
+using namespace EngineTestTools;
+
+class TestEngineMetadata : public QObject
+{
+    Q_OBJECT
+    QTemporaryDir m_dir;
+    QString path(const QString &name) const { return m_dir.filePath(name); }
+
+    // A photo described by a camera and a picture library.
+    QString describedJpeg(const QString &name, const QSize &size)
+    {
+        const QString out = path(name);
+        if (!photo(size.width(), size.height()).save(out, "JPEG", 90))
+            return QString();
+        const QStringList tags = {
+            "-IPTC:Keywords=harbour", "-IPTC:Keywords=boats", "-IPTC:City=Lisbon", "-IPTC:By-line=A. Walker",
+            "-XMP-dc:Title=Harbour", "-XMP-dc:Subject=boats", "-XMP-photoshop:Headline=Morning",
+            "-XMP-xmpRights:UsageTerms=Ask first", "-XMP-iptcCore:Location=Quay 4", "-XMP-xmp:Rating=4",
+            "-JFIF:XResolution=300", "-JFIF:YResolution=300", "-JFIF:ResolutionUnit=inches",
+            "-EXIF:DateTimeOriginal=2019:07:14 10:11:12"};
+        return run("exiftool", QStringList{"-q", "-overwrite_original"} + tags + QStringList{out}) ? out : QString();
+    }
+
+    static QStringList read(const QString &file)
+    {
+        QByteArray out;
+        run("exiftool", {"-s3", "-sep", ",", "-IPTC:Keywords", "-IPTC:City", "-IPTC:By-line", "-XMP-dc:Title",
+                         "-XMP-dc:Subject", "-XMP-photoshop:Headline", "-XMP-xmpRights:UsageTerms",
+                         "-XMP-iptcCore:Location", "-XMP-xmp:Rating", "-JFIF:XResolution", "-JFIF:YResolution",
+                         "-JFIF:ResolutionUnit", file},
+            &out);
+        return QString::fromUtf8(out).trimmed().split('\n');
+    }
+
+private slots:
+    void initTestCase()
+    {
+        QVERIFY(m_dir.isValid());
+        if (QStandardPaths::findExecutable("exiftool").isEmpty())
+            QSKIP("exiftool is needed to read the files back");
+    }
+
+    void descriptionSurvivesSaves_data()
+    {
+        QTest::addColumn<QSize>("size");
+        QTest::addColumn<QString>("commands");
+        QTest::newRow("lossless turn") << QSize(128, 96) << "r90";
+        QTest::newRow("re-encoded turn") << QSize(130, 90) << "r-90";
+        QTest::newRow("style") << QSize(128, 96) << "e2";
+        QTest::newRow("resize and crop") << QSize(128, 96) << "s64,48 c8,8,32,24";
+    }
+
+    void descriptionSurvivesSaves()
+    {
+        QFETCH(QSize, size);
+        QFETCH(QString, commands);
+        const QString in = describedJpeg(QString("in-%1.jpg").arg(QTest::currentDataTag()), size);
+        QVERIFY(!in.isEmpty());
+        const QStringList before = read(in);
+        QCOMPARE(before.size(), 12);
+        const QString out = path(QString("out-%1.jpg").arg(QTest::currentDataTag()));
+        CommandList list;
+        parseCommands(commands, list);
+        QCOMPARE(MMCommandRunner::run(source(in), source(out), list.list), 0);
+        QCOMPARE(read(out), before);
+    }
+
+    void captureDate_data()
+    {
+        QTest::addColumn<QStringList>("tags");
+        QTest::addColumn<QDate>("date");
+        QTest::newRow("original") << QStringList{"-DateTimeOriginal=2019:07:14 10:11:12"} << QDate(2019, 7, 14);
+        QTest::newRow("digitized only") << QStringList{"-CreateDate=2018:01:02 03:04:05"} << QDate(2018, 1, 2);
+        QTest::newRow("camera without a clock") << QStringList{"-DateTimeOriginal#=0000:00:00 00:00:00"} << QDate();
+        QTest::newRow("none") << QStringList{} << QDate();
+    }
+
+    void captureDate()
+    {
+        QFETCH(QStringList, tags);
+        QFETCH(QDate, date);
+        const QString file = path(QString("date-%1.jpg").arg(QTest::currentDataTag()));
+        QVERIFY(photo(32, 24).save(file, "JPEG"));
+        if (!tags.isEmpty())
+            QVERIFY(run("exiftool", QStringList{"-q", "-overwrite_original"} + tags + QStringList{file}));
+        QCOMPARE(MMMetadata::captureDate(file), date);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestEngineMetadata)
+#include "tst_engine_metadata.moc"
