@@ -30,7 +30,7 @@ fi
 if [ "$fill" = 1 ]; then
   # A resource key (capitals, digits, underscores) reads as its comment.
   perl -0pi -e '
-    s{(<message>\s*<source>([^<]*)</source>(?:\s*<comment>([^<]*)</comment>)?\s*)<translation type="unfinished"></translation>}
+    s{(<message>\s*<source>([^<]*)</source>(?:\s*<comment>([^<]*)</comment>)?\s*)<translation type="unfinished">[^<]*</translation>}
      {my ($head, $source, $comment) = ($1, $2, $3);
       my $text = ($source =~ /^[A-Z][A-Z0-9]*_[A-Z0-9_]+$/ && defined $comment) ? $comment : $source;
       "$head<translation>$text</translation>"}ge

@@ -48,6 +48,11 @@
         <comment>Because the currently selected memory is full, you must select another memory location or delete files to make room.</comment>
         <translation>Der gewählte Speicher ist voll. Wählen Sie einen anderen Speicherort oder löschen Sie Dateien, um Platz zu schaffen.</translation>
     </message>
+    <message>
+        <source>TXT_RID_NOTICE_OPENING</source>
+        <comment>Opening...</comment>
+        <translation>Wird geöffnet...</translation>
+    </message>
 </context>
 <context>
     <name>ImgSvcCropMgr</name>
@@ -60,8 +65,24 @@
         <translation>Zurück</translation>
     </message>
     <message>
-        <source>%1 x %2   Select: other corner</source>
-        <translation>%1 x %2   Auswahl: andere Ecke</translation>
+        <source>TXT_RID_CROP_SIZE</source>
+        <comment>%1 x %2   Select: next</comment>
+        <translation>%1 x %2   Auswahl: weiter</translation>
+    </message>
+    <message>
+        <source>TXT_RID_CROP_HINT_SECOND</source>
+        <comment>Arrows: lower right corner</comment>
+        <translation>Pfeile: untere rechte Ecke</translation>
+    </message>
+    <message>
+        <source>TXT_RID_CROP_HINT_FIRST</source>
+        <comment>Arrows: upper left corner</comment>
+        <translation>Pfeile: obere linke Ecke</translation>
+    </message>
+    <message>
+        <source>TXT_RID_CROP_HINT_MOVE</source>
+        <comment>Arrows: move the frame</comment>
+        <translation>Pfeile: Rahmen verschieben</translation>
     </message>
 </context>
 <context>
@@ -170,16 +191,8 @@
 <context>
     <name>ImgSvcSaveMgr</name>
     <message>
-        <source>Saving...</source>
-        <translation>Speichern...</translation>
-    </message>
-    <message>
         <source>Save as</source>
         <translation>Speichern unter</translation>
-    </message>
-    <message>
-        <source>OK</source>
-        <translation>OK</translation>
     </message>
     <message>
         <source>Back</source>
@@ -193,20 +206,63 @@
         <source>New size: %1 x %2</source>
         <translation>Neue Größe: %1 x %2</translation>
     </message>
+    <message>
+        <source>TXT_RID_SAVE_SELECT_DISCARDS</source>
+        <comment>Select: discard the edits</comment>
+        <translation>Auswahl: Änderungen verwerfen</translation>
+    </message>
+    <message>
+        <source>TXT_RID_SAVE_SAVING</source>
+        <comment>Saving...</comment>
+        <translation>Speichern...</translation>
+    </message>
+    <message>
+        <source>TXT_RID_SOFTKEY_YES</source>
+        <comment>Yes</comment>
+        <translation>Ja</translation>
+    </message>
+    <message>
+        <source>TXT_RID_SOFTKEY_NO</source>
+        <comment>No</comment>
+        <translation>Nein</translation>
+    </message>
+    <message>
+        <source>TXT_RID_SAVE_DISCARD_QUESTION</source>
+        <comment>Discard all edits? The picture stays as it was.</comment>
+        <translation>Alle Änderungen verwerfen? Das Bild bleibt, wie es war.</translation>
+    </message>
+    <message>
+        <source>TXT_RID_SOFTKEY_OK</source>
+        <comment>OK</comment>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>TXT_RID_SAVE_REPLACE_QUESTION</source>
+        <comment>Replace %1?</comment>
+        <translation>%1 ersetzen?</translation>
+    </message>
 </context>
 <context>
     <name>ImgSvcSaveNamePage</name>
     <message>
-        <source>File name:</source>
+        <source>TXT_RID_SAVE_FILE_NAME</source>
+        <comment>File name:</comment>
         <translation>Dateiname:</translation>
     </message>
     <message>
-        <source>Saved in the folder of the original.</source>
-        <translation>Wird im Ordner des Originals gespeichert.</translation>
+        <source>TXT_RID_SAVE_SAVED_IN</source>
+        <comment>Saved in %1</comment>
+        <translation>Gespeichert in %1</translation>
     </message>
     <message>
-        <source>That is a folder. Enter a file name.</source>
-        <translation>Das ist ein Ordner. Geben Sie einen Dateinamen ein.</translation>
+        <source>TXT_RID_SAVE_FOLDER_NOTE</source>
+        <comment>That is a folder. Enter a file name.</comment>
+        <translation>Das ist ein Ordner. Bitte einen Dateinamen eingeben.</translation>
+    </message>
+    <message>
+        <source>TXT_RID_SAVE_EXTENSION_NOTE</source>
+        <comment>Pictures are not saved as .%1: .%2 was added. OK saves.</comment>
+        <translation>Bilder werden nicht als .%1 gespeichert: .%2 wurde angehängt. OK speichert.</translation>
     </message>
 </context>
 <context>
@@ -322,6 +378,19 @@
         <source>TXT_RID_SOFTKEY_OK</source>
         <comment>OK</comment>
         <translation>OK</translation>
+    </message>
+</context>
+<context>
+    <name>ZSoftKey</name>
+    <message>
+        <source>TXT_RID_SOFTKEY_SELECT</source>
+        <comment>Select</comment>
+        <translation>Auswählen</translation>
+    </message>
+    <message>
+        <source>TXT_RID_SOFTKEY_BACK</source>
+        <comment>Back</comment>
+        <translation>Zurück</translation>
     </message>
 </context>
 </TS>

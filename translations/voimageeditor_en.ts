@@ -48,6 +48,11 @@
         <comment>Because the currently selected memory is full, you must select another memory location or delete files to make room.</comment>
         <translation>Because the currently selected memory is full, you must select another memory location or delete files to make room.</translation>
     </message>
+    <message>
+        <source>TXT_RID_NOTICE_OPENING</source>
+        <comment>Opening...</comment>
+        <translation>Opening...</translation>
+    </message>
 </context>
 <context>
     <name>ImgSvcCropMgr</name>
@@ -60,8 +65,24 @@
         <translation>Back</translation>
     </message>
     <message>
-        <source>%1 x %2   Select: other corner</source>
-        <translation>%1 x %2   Select: other corner</translation>
+        <source>TXT_RID_CROP_SIZE</source>
+        <comment>%1 x %2   Select: next</comment>
+        <translation>%1 x %2   Select: next</translation>
+    </message>
+    <message>
+        <source>TXT_RID_CROP_HINT_SECOND</source>
+        <comment>Arrows: lower right corner</comment>
+        <translation>Arrows: lower right corner</translation>
+    </message>
+    <message>
+        <source>TXT_RID_CROP_HINT_FIRST</source>
+        <comment>Arrows: upper left corner</comment>
+        <translation>Arrows: upper left corner</translation>
+    </message>
+    <message>
+        <source>TXT_RID_CROP_HINT_MOVE</source>
+        <comment>Arrows: move the frame</comment>
+        <translation>Arrows: move the frame</translation>
     </message>
 </context>
 <context>
@@ -170,16 +191,8 @@
 <context>
     <name>ImgSvcSaveMgr</name>
     <message>
-        <source>Saving...</source>
-        <translation>Saving...</translation>
-    </message>
-    <message>
         <source>Save as</source>
         <translation>Save as</translation>
-    </message>
-    <message>
-        <source>OK</source>
-        <translation>OK</translation>
     </message>
     <message>
         <source>Back</source>
@@ -193,20 +206,63 @@
         <source>New size: %1 x %2</source>
         <translation>New size: %1 x %2</translation>
     </message>
+    <message>
+        <source>TXT_RID_SAVE_SELECT_DISCARDS</source>
+        <comment>Select: discard the edits</comment>
+        <translation>Select: discard the edits</translation>
+    </message>
+    <message>
+        <source>TXT_RID_SAVE_SAVING</source>
+        <comment>Saving...</comment>
+        <translation>Saving...</translation>
+    </message>
+    <message>
+        <source>TXT_RID_SOFTKEY_YES</source>
+        <comment>Yes</comment>
+        <translation>Yes</translation>
+    </message>
+    <message>
+        <source>TXT_RID_SOFTKEY_NO</source>
+        <comment>No</comment>
+        <translation>No</translation>
+    </message>
+    <message>
+        <source>TXT_RID_SAVE_DISCARD_QUESTION</source>
+        <comment>Discard all edits? The picture stays as it was.</comment>
+        <translation>Discard all edits? The picture stays as it was.</translation>
+    </message>
+    <message>
+        <source>TXT_RID_SOFTKEY_OK</source>
+        <comment>OK</comment>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>TXT_RID_SAVE_REPLACE_QUESTION</source>
+        <comment>Replace %1?</comment>
+        <translation>Replace %1?</translation>
+    </message>
 </context>
 <context>
     <name>ImgSvcSaveNamePage</name>
     <message>
-        <source>File name:</source>
+        <source>TXT_RID_SAVE_FILE_NAME</source>
+        <comment>File name:</comment>
         <translation>File name:</translation>
     </message>
     <message>
-        <source>Saved in the folder of the original.</source>
-        <translation>Saved in the folder of the original.</translation>
+        <source>TXT_RID_SAVE_SAVED_IN</source>
+        <comment>Saved in %1</comment>
+        <translation>Saved in %1</translation>
     </message>
     <message>
-        <source>That is a folder. Enter a file name.</source>
+        <source>TXT_RID_SAVE_FOLDER_NOTE</source>
+        <comment>That is a folder. Enter a file name.</comment>
         <translation>That is a folder. Enter a file name.</translation>
+    </message>
+    <message>
+        <source>TXT_RID_SAVE_EXTENSION_NOTE</source>
+        <comment>Pictures are not saved as .%1: .%2 was added. OK saves.</comment>
+        <translation>Pictures are not saved as .%1: .%2 was added. OK saves.</translation>
     </message>
 </context>
 <context>
@@ -322,6 +378,19 @@
         <source>TXT_RID_SOFTKEY_OK</source>
         <comment>OK</comment>
         <translation>OK</translation>
+    </message>
+</context>
+<context>
+    <name>ZSoftKey</name>
+    <message>
+        <source>TXT_RID_SOFTKEY_SELECT</source>
+        <comment>Select</comment>
+        <translation>Select</translation>
+    </message>
+    <message>
+        <source>TXT_RID_SOFTKEY_BACK</source>
+        <comment>Back</comment>
+        <translation>Back</translation>
     </message>
 </context>
 </TS>
