@@ -358,8 +358,14 @@ private slots:
         QVERIFY(frame->lockDescriptor() >= 0);
         for (int i = 0; i < 50; ++i)
             QVERIFY(!MMImageDecoder::decode(file).isNull());
-        // A save writes over the file through the copy command.
-        QCOMPARE(ImgImplImageStore::copyFile(frame->store()->realFilePath(), file), 0);
+        // A save puts a new file in place; the lock moves with it.
+        const QByteArray before = bytes(file);
+        press(frame, Qt::Key_Up);
+        press(frame, Qt::Key_Context2);
+        QTRY_VERIFY(editortest::visibleWindow<ImgSvcSaveMgr>());
+        press(editortest::visibleWindow<ImgSvcSaveMgr>(), Qt::Key_Context1);
+        QTRY_COMPARE(frame->stateMachine()->currentStat(), STAT_MAIN);
+        QVERIFY(bytes(file) != before);
         QVERIFY(!otherProcessCanLock(file));
         auto *second = new ImgImplMainFrame(file, nullptr, nullptr, 1);
         QCOMPARE(second->lockDescriptor(), -1);

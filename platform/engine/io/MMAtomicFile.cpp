@@ -50,7 +50,7 @@ int MMAtomicFile::write(const QString &path, const QByteArray &data)
     for (int attempt = 0; attempt < 64 && fd < 0; ++attempt) {
         temp = dir + "/.vo_" + QByteArray::number(QRandomGenerator::system()->generate64(), 36) + ".tmp";
         // 0666 and the umask give a new file the usual permissions.
-        fd = ::open(temp.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+        fd = ::open(temp.constData(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666);
         if (fd < 0 && errno != EEXIST)
             return -1;
     }
