@@ -48,6 +48,9 @@ public:
     // small files.
     static void setChunkSize(qint64 bytes);
     static qint64 chunkSize();
+    // Only for the benchmark that measures what flushing costs: with false
+    // the counted fsyncs are skipped. Never called by the editor.
+    static void setSyncForBench(bool enabled);
     // Called with the full path before each exclusive creation, so a test
     // can plant a file or link at exactly the name about to be used.
     using CreateHook = void (*)(const QByteArray &path);

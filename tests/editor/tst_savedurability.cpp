@@ -11,6 +11,7 @@
 #include <QtTest>
 
 #include <fcntl.h>
+#include <grp.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -366,6 +367,71 @@ private slots:
             QVERIFY(QFileInfo(edited).isSymLink());
         }
         QVERIFY(leftovers().filter(".vo-").isEmpty());
+    }
+
+    // Without root's rights a rename cannot keep another user's file, nor
+    // put a new file in a folder we may not write: the file is written in
+    // place, its backup beside it or, failing that, in the working folder;
+    // a save killed there is undone by the next launch.
+    void inPlaceWhenRenameCannotServe_data()
+    {
+        QTest::addColumn<QString>("kind");
+        QTest::addColumn<int>("stopAfter");
+        QTest::newRow("someone else's file") << "owner" << 0;
+        QTest::newRow("folder we may not write") << "folder" << 0;
+        // Header, two backup chunks, flush, commit, folder flush, first write.
+        QTest::newRow("folder we may not write, killed mid-write") << "folder" << 7;
+    }
+
+    void inPlaceWhenRenameCannotServe()
+    {
+        QFETCH(QString, kind);
+        QFETCH(int, stopAfter);
+        if (geteuid() != 0)
+            QSKIP("needs root to act as two other users");
+        const uid_t user = 4400, other = 4401;
+        QTemporaryDir base;
+        QCOMPARE(chmod(QFile::encodeName(base.path()).constData(), 0755), 0);
+        const QString dir = base.filePath("pics"), work = base.filePath("work");
+        QVERIFY(QDir().mkpath(dir) && QDir().mkpath(work));
+        QCOMPARE(chown(QFile::encodeName(work).constData(), user, user), 0);
+        QCOMPARE(chmod(QFile::encodeName(dir).constData(), kind == "owner" ? 0777 : 0755), 0);
+        const QString file = dir + "/photo.jpg", source = base.filePath("new.jpg");
+        m_old = noise(5000, 3);
+        m_new = noise(6000, 4);
+        QVERIFY(writeBytes(file, m_old) && writeBytes(source, m_new));
+        const QByteArray path = QFile::encodeName(file);
+        QCOMPARE(chown(path.constData(), kind == "owner" ? other : user, user), 0);
+        QCOMPARE(chmod(path.constData(), 0660), 0);
+        QCOMPARE(chmod(QFile::encodeName(source).constData(), 0644), 0);
+        struct stat before;
+        QCOMPARE(stat(path.constData(), &before), 0);
+
+        const pid_t child = fork();
+        if (child == 0) {
+            if (setgroups(0, nullptr) != 0 || setgid(user) != 0 || setuid(user) != 0)
+                _exit(3);
+            ImgImplImageStore::setWorkingDirForTest(work);
+            if (stopAfter)
+                ImgImplIoStep::arm(ImgImplIoStep::StopAfter, stopAfter);
+            _exit(ImgImplSafeSave::write(source, file) == 0 ? 0 : 1);
+        }
+        int status = 0;
+        QCOMPARE(waitpid(child, &status, 0), child);
+        QVERIFY(WIFEXITED(status));
+        QCOMPARE(WEXITSTATUS(status), stopAfter ? ImgImplIoStep::StopExitCode : 0);
+        if (stopAfter) {
+            QCOMPARE(QDir(work).entryList(QDir::Files).filter("backup_").size(), 1);
+            ImgImplBackupJournal::recoverIn(QFile::encodeName(work));
+        }
+        QCOMPARE(bytes(file), stopAfter ? m_old : m_new);
+        struct stat after;
+        QCOMPARE(stat(path.constData(), &after), 0);
+        QCOMPARE(after.st_ino, before.st_ino);
+        QCOMPARE(after.st_uid, before.st_uid);
+        QCOMPARE(after.st_mode, before.st_mode);
+        QCOMPARE(QDir(dir).entryList(QDir::Files | QDir::Hidden), QStringList{"photo.jpg"});
+        QCOMPARE(QDir(work).entryList(QDir::Files | QDir::Hidden), QStringList());
     }
 
     // Save as: a new file gets the umask's mode, and a name that appears
