@@ -131,6 +131,23 @@ private slots:
         QCOMPARE(bytes(file("r.png")), original);
     }
 
+    // Reloading from a file that can no longer be read keeps the working
+    // copy there is, rather than leaving the editor with none.
+    void failedReloadKeepsTheWorkingCopy()
+    {
+        QVERIFY(write(file("keep.png"), 64, 48, "PNG"));
+        ImgImplImageStore store(file("keep.png"));
+        const QString real = store.realFilePath();
+        store.setImageFile(file("gone.png"));
+        QCOMPARE(store.realFilePath(), real);
+        QCOMPARE(bytes(real), bytes(file("keep.png")));
+        QVERIFY(!store.isEmpty());
+        QCOMPARE(workingFiles().size(), 2); // the copy and the live marker
+        store.setImageFile(file("keep.png"));
+        QVERIFY(store.realFilePath() != real);
+        QVERIFY(!QFileInfo::exists(real));
+    }
+
     void sizeRules_data()
     {
         QTest::addColumn<int>("w");
