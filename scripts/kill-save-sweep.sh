@@ -2,9 +2,11 @@
 # Kills the editor's whole process group with SIGKILL in the middle of a save
 # over a 16 MB photo, many times, and checks that the photo is always the old
 # one or the new one byte for byte, and that the next launch leaves nothing
-# beside it.
+# beside it and sweeps the killed editor's working files (its live marker in
+# /tmp/.vo_imgeditor, "live_<pid>_*", goes last, after the files it lists).
 #
-#   scripts/kill-save-sweep.sh [RUNS]     (RUNS per mode, 50 by default)
+#   scripts/kill-save-sweep.sh [RUNS]     (RUNS per mode, 50 by default;
+#                                          MODES="change" runs only some modes)
 #
 # Modes:
 #   random   kill at a random moment of a launch-rotate-save session
@@ -62,7 +64,7 @@ relaunch() { # the next launch: recovery runs before anything reads the photo
 }
 
 failures=0
-for mode in random change inplace; do
+for mode in ${MODES:-random change inplace}; do
   declare -A count=([old]=0 [new]=0 [torn]=0 [left]=0)
   for ((i = 1; i <= runs; i++)); do
     reset_photo
@@ -70,7 +72,7 @@ for mode in random change inplace; do
     watcher=""
     if [ "$mode" != random ]; then
       # The first event naming the photo itself: renamed over, or written.
-      inotifywait -m -q -e modify,moved_to,close_write --format '%f' "$dir" >"$work/events" 2>/dev/null &
+      inotifywait -m -q -e modify,moved_to --format '%f' "$dir" >"$work/events" 2>/dev/null &
       watcher=$!
       sleep 0.2
     fi
@@ -92,7 +94,9 @@ for mode in random change inplace; do
     # kill too; in place only the next launch makes it whole.
     if [ "$mode" != inplace ] && [ "$at_kill" = torn ]; then verdict=torn; fi
     count[$verdict]=$((count[$verdict] + 1))
-    if ls -A "$dir" | grep -q '\.vo-'; then count[left]=$((count[left] + 1)); fi
+    if ls -A "$dir" | grep -q '\.vo-' || ls /tmp/.vo_imgeditor 2>/dev/null | grep -q "^live_${pid}_"; then
+      count[left]=$((count[left] + 1))
+    fi
     if [ "$mode" = inplace ] && ! cmp -s "$photo" "$dir/second.jpg"; then count[torn]=$((count[torn] + 1)); fi
   done
   echo "$mode: $runs runs: old ${count[old]}, new ${count[new]}, torn ${count[torn]}, leftovers after relaunch ${count[left]}"
