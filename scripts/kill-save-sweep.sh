@@ -65,7 +65,7 @@ relaunch() { # the next launch: recovery runs before anything reads the photo
 
 failures=0
 for mode in ${MODES:-random change inplace}; do
-  declare -A count=([old]=0 [new]=0 [torn]=0 [left]=0)
+  declare -A count=([old]=0 [new]=0 [torn]=0 [left]=0 [healed]=0)
   for ((i = 1; i <= runs; i++)); do
     reset_photo
     [ "$mode" = inplace ] && ln "$photo" "$dir/second.jpg"
@@ -94,12 +94,13 @@ for mode in ${MODES:-random change inplace}; do
     # kill too; in place only the next launch makes it whole.
     if [ "$mode" != inplace ] && [ "$at_kill" = torn ]; then verdict=torn; fi
     count[$verdict]=$((count[$verdict] + 1))
+    if [ "$at_kill" = torn ] && [ "$after" != torn ]; then count[healed]=$((count[healed] + 1)); fi
     if ls -A "$dir" | grep -q '\.vo-' || ls /tmp/.vo_imgeditor 2>/dev/null | grep -q "^live_${pid}_"; then
       count[left]=$((count[left] + 1))
     fi
     if [ "$mode" = inplace ] && ! cmp -s "$photo" "$dir/second.jpg"; then count[torn]=$((count[torn] + 1)); fi
   done
-  echo "$mode: $runs runs: old ${count[old]}, new ${count[new]}, torn ${count[torn]}, leftovers after relaunch ${count[left]}"
+  echo "$mode: $runs runs: old ${count[old]}, new ${count[new]}, torn ${count[torn]}, leftovers after relaunch ${count[left]} (torn at the kill and whole after relaunch: ${count[healed]})"
   failures=$((failures + count[torn] + count[left]))
   unset count
 done
