@@ -3,6 +3,7 @@
 #include "ImgImplImageStore.h"
 #include "ImgImplIoStep.h"
 #include "ImgImplSafeSave.h"
+#include "MMAtomicFile.h"
 #include "testimages.h"
 
 #include <QDir>
@@ -432,6 +433,28 @@ private slots:
         QCOMPARE(after.st_mode, before.st_mode);
         QCOMPARE(QDir(dir).entryList(QDir::Files | QDir::Hidden), QStringList{"photo.jpg"});
         QCOMPARE(QDir(work).entryList(QDir::Files | QDir::Hidden), QStringList());
+    }
+
+    // The engine's own outputs (working copies, the save-as temporary) keep
+    // the mode of the file they replace, or get the umask's.
+    void engineOutputsKeepOrGetUsualMode()
+    {
+        const QString made = m_pics.filePath("engine-new"), kept = m_pics.filePath("engine-kept");
+        QFile::remove(made);
+        QVERIFY(writeBytes(kept, "old"));
+        QCOMPARE(chmod(QFile::encodeName(kept).constData(), 0600), 0);
+        const mode_t mask = umask(027);
+        const int madeResult = MMAtomicFile::write(made, "new");
+        const int keptResult = MMAtomicFile::write(kept, "new");
+        umask(mask);
+        QCOMPARE(madeResult, 0);
+        QCOMPARE(keptResult, 0);
+        struct stat st;
+        QCOMPARE(stat(QFile::encodeName(made).constData(), &st), 0);
+        QCOMPARE(int(st.st_mode & 07777), 0640);
+        QCOMPARE(stat(QFile::encodeName(kept).constData(), &st), 0);
+        QCOMPARE(int(st.st_mode & 07777), 0600);
+        QCOMPARE(bytes(kept), QByteArray("new"));
     }
 
     // Save as: a new file gets the umask's mode, and a name that appears
