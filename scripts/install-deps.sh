@@ -12,6 +12,7 @@ PACKAGES=(
   xvfb xauth fonts-dejavu-core
   lomiri-wallpapers-20.04
   time
+  inotify-tools
 )
 
 missing=()

@@ -1,6 +1,8 @@
 #include "ImgImplImageStore.h"
 
-#include "ImgImplShell.h"
+#include "ImgImplBackupJournal.h"
+#include "ImgImplFileOps.h"
+#include "ImgImplLiveMarker.h"
 #include "ImgSvcResizeCtl.h"
 #include "MMImageSource.h"
 #include "VOUtility.h"
@@ -53,6 +55,22 @@ bool readSize(const QString &file, qint64 &width, qint64 &height)
     return width > 0 && height > 0;
 }
 
+// Copies a file into a working copy this store has just created. No shell
+// and no cp: a failure is seen, and a link planted at the name is not
+// followed.
+bool copyInto(const QString &source, const QString &copy)
+{
+    const int in = ::open(QFile::encodeName(source).constData(), O_RDONLY | O_CLOEXEC);
+    const int out = ::open(QFile::encodeName(copy).constData(), O_WRONLY | O_TRUNC | O_NOFOLLOW | O_CLOEXEC);
+    struct stat st;
+    const bool ok = in >= 0 && out >= 0 && fstat(in, &st) == 0 && S_ISREG(st.st_mode)
+        && ImgImplFileOps::copyBytes(in, 0, out, 0, st.st_size, false);
+    if (in >= 0)
+        ::close(in);
+    if (out >= 0)
+        ::close(out);
+    return ok;
+}
 } // namespace
 
 QString ImgImplImageStore::workingDir() { return g_workingDir; }
@@ -67,16 +85,26 @@ ImgImplImageStore::ImgImplImageStore(const QString &file)
 {
     if (!prepareWorkingDir())
         return;
-    createRealCopy();
-    if (isLargeImage(realFile)) {
-        hasPreview = true;
-        createPreview();
-    }
+    // Before anything reads the file: put back what a crashed save left
+    // half-written, and clear out what dead editors left behind.
+    const QByteArray dir = QFile::encodeName(g_workingDir);
+    ImgImplBackupJournal::recoverIn(dir);
+    ImgImplBackupJournal::recoverBeside(QFile::encodeName(originalFile));
+    ImgImplLiveMarker::sweep(dir);
+    marker = new ImgImplLiveMarker(dir);
+    if (!marker->isValid())
+        return;
+    // A failed copy shows itself when the engine reads it.
+    QString name;
+    makeRealCopy(originalFile, name);
+    adoptRealCopy(name);
 }
 
 ImgImplImageStore::~ImgImplImageStore()
 {
     releaseWorkingFiles();
+    delete marker;
+    marker = nullptr;
 }
 
 // The directory is shared by every editor and never removed. It must be a
@@ -105,42 +133,66 @@ bool ImgImplImageStore::prepareWorkingDir()
 
 // Claims stem + suffix by creating it exclusively; when another store took
 // that name in the same second, "_2", "_3", ... go before the suffix.
+// Each name is listed in the live marker once it is ours: listing it before
+// could sweep another store's file that won the name.
 QString ImgImplImageStore::reserveName(const QString &stem, const QString &suffix)
 {
-    for (int n = 1; n < 10000; ++n) {
+    for (int n = 1; n < 10000 && marker; ++n) {
         const QString candidate = n == 1 ? stem + suffix : stem + QLatin1Char('_') + QString::number(n) + suffix;
-        const int fd = ::open(QFile::encodeName(candidate).constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+        const QByteArray path = QFile::encodeName(candidate);
+        ImgImplFileOps::aboutToCreate(path);
+        const int fd = ::open(path.constData(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600);
         if (fd >= 0) {
+            marker->record(path);
             ::close(fd);
             return candidate;
         }
         if (errno != EEXIST)
             break;
     }
-    return stem + suffix;
+    return QString();
 }
 
 void ImgImplImageStore::setImageFile(const QString &file)
 {
+    // A copy that cannot be made must not cost the working copies we have:
+    // they stay until a good new one exists.
+    QString fresh;
+    const bool copied = makeRealCopy(file, fresh);
+    if (!copied && realSource) {
+        if (!fresh.isEmpty())
+            QFile::remove(fresh);
+        deleteTmpSource();
+        return;
+    }
     releaseWorkingFiles();
     originalFile = file;
-    createRealCopy();
+    adoptRealCopy(fresh);
+}
+
+// Reserves a fresh name for the real-size copy of file and copies it there.
+// name stays set when the copy failed, so the caller decides what to keep.
+bool ImgImplImageStore::makeRealCopy(const QString &file, QString &name)
+{
+    const QString stamp = timeStamp();
+    QString base = baseName(file);
+    removeBlanks(base);
+    name = reserveName(g_workingDir + QStringLiteral("tempreal_") + base + QLatin1Char('_') + stamp,
+                       QLatin1Char('.') + extension(file));
+    return !name.isEmpty() && copyInto(file, name);
+}
+
+void ImgImplImageStore::adoptRealCopy(const QString &name)
+{
+    if (name.isEmpty())
+        return;
+    realFile = name;
+    delete realSource;
+    realSource = makeSource(realFile);
     if (isLargeImage(realFile)) {
         hasPreview = true;
         createPreview();
     }
-}
-
-void ImgImplImageStore::createRealCopy()
-{
-    const QString stamp = timeStamp();
-    QString base = baseName(originalFile);
-    removeBlanks(base);
-    realFile = reserveName(g_workingDir + QStringLiteral("tempreal_") + base + QLatin1Char('_') + stamp,
-                           QLatin1Char('.') + extension(originalFile));
-    ImgImplShell::run(ImgImplShell::copyCommand(originalFile, realFile));
-    delete realSource;
-    realSource = makeSource(realFile);
 }
 
 void ImgImplImageStore::createPreview()
@@ -182,15 +234,22 @@ MMImageSource *ImgImplImageStore::getTmpSource(int realSize)
         return tmpSource;
     const bool fromPreview = realSize == 0 && hasPreview;
     const QString source = fromPreview ? previewFile : realFile;
-    tmpFile = g_workingDir + QStringLiteral("tempsmall_") + baseName(source) + QLatin1Char('.') + extension(source);
-    const QByteArray command = ImgImplShell::copyCommand(source, tmpFile);
+    tmpFile = reserveName(g_workingDir + QStringLiteral("tempsmall_") + baseName(source),
+                          QLatin1Char('.') + extension(source));
     if (fromPreview) {
         printf("#####the temp small image name of small image = %s\n", tmpFile.toLatin1().constData());
         fflush(stdout);
     }
-    ImgImplShell::run(command);
+    if (!tmpFile.isEmpty())
+        copyInto(source, tmpFile);
     tmpSource = makeSource(tmpFile);
     return tmpSource;
+}
+
+void ImgImplImageStore::recordTemporary(const QString &path)
+{
+    if (marker)
+        marker->record(QFile::encodeName(path));
 }
 
 void ImgImplImageStore::deleteTmpSource()

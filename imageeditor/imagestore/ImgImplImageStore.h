@@ -3,6 +3,7 @@
 #include <QRect>
 #include <QString>
 
+class ImgImplLiveMarker;
 class MMImageSource;
 
 // The working copies of one edited file, kept in the private working
@@ -30,10 +31,18 @@ public:
     // Preview pixels to real-size pixels, in place; unchanged without a preview.
     void mapToRealPoint(QPoint &point) const;
     void mapToRealRect(QRect &rect) const;
-    // Copies the real-size copy over the edited file when there is room.
-    int saveToOriginalFile();
+    // Writes the real-size copy over the edited file, crash-safe (see
+    // ImgImplSafeSave); lockFd, when given, is the edit lock's descriptor,
+    // which moves to the new file.
+    int saveToOriginalFile(int *lockFd = nullptr);
+    // Whether source fits where destination is to be written: a new file is
+    // written beside the old one, so the old one's bytes do not count.
     static bool hasEnoughSpace(const QString &source, const QString &destination);
-    static int copyFile(const QString &source, const QString &destination);
+    static int copyFile(const QString &source, const QString &destination, int *lockFd = nullptr);
+
+    // Lists a temporary made elsewhere with this editor's working files, so
+    // that it is swept if the editor dies before removing it.
+    void recordTemporary(const QString &path);
 
     QString realFilePath() const { return realFile; }
     QString previewFilePath() const { return previewFile; }
@@ -51,12 +60,13 @@ public:
     static constexpr int EditableMinSide = 20;
 
 private:
-    void createRealCopy();
+    bool makeRealCopy(const QString &file, QString &name);
+    void adoptRealCopy(const QString &name);
     void createPreview();
     void makePreviewImage();
     void releaseWorkingFiles();
     static bool prepareWorkingDir();
-    static QString reserveName(const QString &stem, const QString &suffix);
+    QString reserveName(const QString &stem, const QString &suffix);
 
     QString originalFile;
     QString realFile;
@@ -65,6 +75,7 @@ private:
     MMImageSource *realSource = nullptr;
     MMImageSource *previewSource = nullptr;
     MMImageSource *tmpSource = nullptr;
+    ImgImplLiveMarker *marker = nullptr;
 
 public:
     // Read directly by the main frame and the crop step.

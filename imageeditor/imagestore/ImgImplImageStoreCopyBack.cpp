@@ -1,12 +1,11 @@
 #include "ImgImplImageStore.h"
 
-#include "ImgImplShell.h"
+#include "ImgImplSafeSave.h"
 
 #include <QFile>
 #include <QFileInfo>
 
 #include <sys/stat.h>
-#include <sys/statfs.h>
 
 // Coordinate mapping, the room rule and the copy back over the edited file.
 
@@ -34,30 +33,19 @@ void ImgImplImageStore::mapToRealRect(QRect &rect) const
 
 bool ImgImplImageStore::hasEnoughSpace(const QString &source, const QString &destination)
 {
-    const QByteArray dir = QFile::encodeName(QFileInfo(destination).absolutePath());
-    struct statfs fs;
-    if (statfs(dir.constData(), &fs) != 0)
-        return false;
     struct stat src;
     if (stat(QFile::encodeName(source).constData(), &src) != 0)
         return false;
-    // 64-bit throughout: block counts times block size overflow 32 bits on
-    // large media.
-    const qint64 blockSize = qint64(fs.f_bsize);
-    const qint64 available = blockSize * qint64(fs.f_bavail);
-    struct stat dst;
-    const qint64 existing = stat(QFile::encodeName(destination).constData(), &dst) == 0 ? qint64(dst.st_size) : 0;
-    return qint64(src.st_size) < available + existing - 5 * blockSize;
+    return ImgImplSafeSave::fits(src.st_size, QFile::encodeName(QFileInfo(destination).absolutePath()));
 }
 
-int ImgImplImageStore::copyFile(const QString &source, const QString &destination)
+int ImgImplImageStore::copyFile(const QString &source, const QString &destination, int *lockFd)
 {
-    return ImgImplShell::run(ImgImplShell::copyCommand(source, destination, "  "));
+    return ImgImplSafeSave::write(source, destination, lockFd);
 }
 
-int ImgImplImageStore::saveToOriginalFile()
+int ImgImplImageStore::saveToOriginalFile(int *lockFd)
 {
-    if (!hasEnoughSpace(realFile, originalFile))
-        return -1;
-    return copyFile(realFile, originalFile);
+    // The writer applies the room rule to the way it writes.
+    return ImgImplSafeSave::write(realFile, originalFile, lockFd);
 }

@@ -60,7 +60,8 @@ void ImgImplMainFrame::saveToOriginal()
     MMImageSource *real = imageStore->getRealSource();
     // A failed replay writes nothing; the edits are dropped all the same.
     if (real && serviceMgr->processCmdList(*real, *real, cmdList) == 0) {
-        if (imageStore->saveToOriginalFile() != 0)
+        // The edit lock moves to the new file with the save.
+        if (imageStore->saveToOriginalFile(&lockFd) != 0)
             showMemoryFullNotice();
     }
     dropEditsAndReload();
@@ -72,20 +73,20 @@ void ImgImplMainFrame::saveAsNewFile()
     MMImageSource *real = imageStore->getRealSource();
     if (!chosen.isNull() && real) {
         const QString extension = QFileInfo(chosen).suffix().trimmed().toLower();
-        const std::string reserved = VOUtility::genTempFileName("/tmp/");
+        // The temporary's name is reserved with its extension, exclusively.
+        const std::string reserved = VOUtility::genTempFileName("/tmp/", "." + extension.toUtf8().toStdString());
         if (!reserved.empty()) {
-            const QString tmpPath = QString::fromUtf8(reserved.c_str()) + QLatin1Char('.') + extension;
+            const QString tmpPath = QString::fromUtf8(reserved.c_str());
+            imageStore->recordTemporary(tmpPath);
             auto *destination = new MMImageSource(MMImageSource::SOURCE_FILE);
             destination->setFile(tmpPath.toUtf8().toStdString());
             if (serviceMgr->processCmdList(*real, *destination, cmdList) == 0) {
                 if (!ImgImplImageStore::hasEnoughSpace(tmpPath, chosen))
                     showMemoryFullNotice();
-                else if (ImgImplImageStore::copyFile(tmpPath, chosen) != 0)
+                else if (ImgImplImageStore::copyFile(tmpPath, chosen, &lockFd) != 0)
                     showMemoryFullNotice();
             }
             ::unlink(tmpPath.toUtf8().constData());
-            // The name itself was only held so that nobody else could take it.
-            ::unlink(reserved.c_str());
             delete destination;
         }
     }

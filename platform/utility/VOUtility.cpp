@@ -34,17 +34,23 @@ void VOUtility::fitScreen(int &width, int &height, int screenWidth, int screenHe
 
 std::string VOUtility::genTempFileName(const std::string &dir)
 {
+    return genTempFileName(dir, std::string());
+}
+
+std::string VOUtility::genTempFileName(const std::string &dir, const std::string &suffix)
+{
     if (dir.empty())
         return std::string();
     std::string path = dir;
     if (path.back() != '/')
         path += '/';
-    path += "vo_XXXXXX";
+    path += "vo_XXXXXX" + suffix;
     std::vector<char> name(path.begin(), path.end());
     name.push_back('\0');
     int fd;
     do {
-        fd = ::mkstemp(name.data());
+        // O_EXCL and mode 0600: a link planted at the name is never followed.
+        fd = ::mkstemps(name.data(), int(suffix.size()));
     } while (fd < 0 && errno == EINTR);
     if (fd < 0)
         return std::string();

@@ -13,4 +13,7 @@ public:
     // name; callers that write under the name plus an extension remove the
     // placeholder too. Empty on failure.
     static std::string genTempFileName(const std::string &dir);
+    // The same with suffix (say ".jpg") as part of the name created, so that
+    // the name actually written is the one reserved.
+    static std::string genTempFileName(const std::string &dir, const std::string &suffix);
 };

@@ -78,7 +78,7 @@ private slots:
         QCOMPARE(preview, real);
     }
 
-    void copyFileReportsExitStatus_data()
+    void copyFileReportsFailure_data()
     {
         QTest::addColumn<QString>("source");
         QTest::addColumn<QString>("destination");
@@ -88,7 +88,7 @@ private slots:
         QTest::newRow("missing directory") << "src.bin" << "no/such/dir/dst.bin" << -1;
     }
 
-    void copyFileReportsExitStatus()
+    void copyFileReportsFailure()
     {
         QFETCH(QString, source);
         QFETCH(QString, destination);
@@ -108,7 +108,10 @@ private slots:
         QVERIFY(ImgImplImageStore::hasEnoughSpace(m_files.filePath("small"), m_files.filePath("target")));
     }
 
-    // The strict rule on a genuinely full medium: size < available + existing - 5 blocks.
+    // The strict rule on a genuinely full medium: the new file is written
+    // beside the old one, so it needs size < available - 5 blocks whatever
+    // it replaces. A file that would fit only in place of the old one gets
+    // no room: never a torn file.
     void roomTestIsStrictOnARealFileSystem_data()
     {
         QTest::addColumn<qint64>("existing");
@@ -118,6 +121,7 @@ private slots:
         QTest::newRow("new file one byte under") << qint64(0) << qint64(-1) << true;
         QTest::newRow("replacing, at the limit") << qint64(100 * 1024) << qint64(0) << false;
         QTest::newRow("replacing, one byte under") << qint64(100 * 1024) << qint64(-1) << true;
+        QTest::newRow("fits only in place of the old") << qint64(100 * 1024) << qint64(50 * 1024) << false;
     }
 
     void roomTestIsStrictOnARealFileSystem()
@@ -130,11 +134,17 @@ private slots:
         if (!fs.mounted())
             QSKIP("needs root to mount a small tmpfs for a full-storage test");
         const QString target = mountPoint.filePath("target.jpg");
+        const QByteArray old(existing, 'e');
         if (existing)
-            QVERIFY(writeBytes(target, QByteArray(existing, 'e')));
-        const qint64 limit = fs.available() + existing - 5 * fs.blockSize();
+            QVERIFY(writeBytes(target, old));
+        const qint64 limit = fs.available() - 5 * fs.blockSize();
         QVERIFY(writeBytes(m_files.filePath("source"), QByteArray(limit + offset, 's')));
         QCOMPARE(ImgImplImageStore::hasEnoughSpace(m_files.filePath("source"), target), room);
+        // The write itself keeps the rule, and a refused one changes nothing.
+        QCOMPARE(ImgImplImageStore::copyFile(m_files.filePath("source"), target), room ? 0 : -1);
+        if (!room)
+            QCOMPARE(bytes(target), existing ? old : QByteArray());
+        QCOMPARE(QDir(mountPoint.path()).entryList(QDir::Files | QDir::Hidden).size(), existing || room ? 1 : 0);
     }
 };
 

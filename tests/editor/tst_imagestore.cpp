@@ -122,11 +122,30 @@ private slots:
         {
             ImgImplImageStore store(file("r.png"));
             store.getTmpSource(0);
-            QCOMPARE(workingFiles().size(), 3);
+            // Three copies and the marker that says their editor is alive.
+            QCOMPARE(workingFiles().size(), 4);
+            QCOMPARE(workingFiles().filter("live_").size(), 1);
         }
         QVERIFY(workingFiles().isEmpty());
         QVERIFY(QFileInfo(m_work.path()).isDir());
         QCOMPARE(bytes(file("r.png")), original);
+    }
+
+    // Reloading from a file that can no longer be read keeps the working
+    // copy there is, rather than leaving the editor with none.
+    void failedReloadKeepsTheWorkingCopy()
+    {
+        QVERIFY(write(file("keep.png"), 64, 48, "PNG"));
+        ImgImplImageStore store(file("keep.png"));
+        const QString real = store.realFilePath();
+        store.setImageFile(file("gone.png"));
+        QCOMPARE(store.realFilePath(), real);
+        QCOMPARE(bytes(real), bytes(file("keep.png")));
+        QVERIFY(!store.isEmpty());
+        QCOMPARE(workingFiles().size(), 2); // the copy and the live marker
+        store.setImageFile(file("keep.png"));
+        QVERIFY(store.realFilePath() != real);
+        QVERIFY(!QFileInfo::exists(real));
     }
 
     void sizeRules_data()
@@ -219,6 +238,7 @@ private slots:
         QTest::newRow("symlink") << "symlink";
         QTest::newRow("regular file") << "file";
         QTest::newRow("other owner") << "owner";
+        QTest::newRow("ours, open to all") << "open";
         QTest::newRow("created private") << "fresh";
     }
 
@@ -232,13 +252,16 @@ private slots:
             QVERIFY(QFile::link(elsewhere.path(), dir));
         } else if (kind == "file") {
             QVERIFY(writeBytes(dir, "x"));
+        } else if (kind == "open") {
+            QVERIFY(QDir().mkdir(dir));
+            QCOMPARE(chmod(QFile::encodeName(dir).constData(), 0777), 0);
         } else if (kind == "owner") {
             if (geteuid() != 0)
                 QSKIP("needs root to make a directory that belongs to someone else");
             QVERIFY(QDir().mkdir(dir));
             QCOMPARE(chown(QFile::encodeName(dir).constData(), 65534, 65534), 0);
         }
-        const bool usable = kind == "fresh";
+        const bool usable = kind == "fresh" || kind == "open";
         ImgImplImageStore::setWorkingDirForTest(dir + "/");
         QVERIFY(write(file("e.png"), 640, 480, "PNG"));
         ImgImplImageStore store(file("e.png"));

@@ -1,6 +1,7 @@
 #include "ImgEditor5wayBtn.h"
 #include "ImgImplImageStore.h"
 #include "ImgImplInterface.h"
+#include "ImgImplIoStep.h"
 #include "ImgImplMainFrame.h"
 #include "ImgImplMenuEvent.h"
 #include "ImgImplMenuItems.h"
@@ -245,6 +246,49 @@ private slots:
         QVERIFY2(shown.width() > shown.height(), qPrintable(QString("%1x%2").arg(shown.width()).arg(shown.height())));
     }
 
+    // A save that fails at any step (the first write, the flush, the
+    // rename) leaves the file as it was, says the memory is full, drops the
+    // edits and keeps the lock.
+    void failedWriteShowsNoticeAndKeepsFile_data()
+    {
+        QTest::addColumn<int>("step");
+        QTest::addColumn<int>("error");
+        QTest::newRow("first write, no space") << 1 << ENOSPC;
+        QTest::newRow("flush, I/O error") << 4 << EIO;
+        QTest::newRow("rename, I/O error") << 5 << EIO;
+    }
+
+    void failedWriteShowsNoticeAndKeepsFile()
+    {
+        QFETCH(int, step);
+        QFETCH(int, error);
+        const QString file = photo(QString("fail%1.png").arg(step));
+        const QByteArray before = bytes(file);
+        auto *frame = ImgImplInterface::launchImageEditor(file, nullptr, nullptr);
+        press(frame, Qt::Key_Up);
+        press(frame, Qt::Key_Context2);
+        QTRY_VERIFY(editortest::visibleWindow<ImgSvcSaveMgr>());
+        QString shown;
+        // The notice runs its own loop inside the save: read and close it there.
+        QTimer poll;
+        connect(&poll, &QTimer::timeout, [&] {
+            if (ZNoticeDlg *n = visibleNotice()) {
+                shown = n->text();
+                n->close();
+            }
+        });
+        poll.start(20);
+        ImgImplIoStep::arm(ImgImplIoStep::FailAt, step, error);
+        press(editortest::visibleWindow<ImgSvcSaveMgr>(), Qt::Key_Context1);
+        QTRY_COMPARE(frame->stateMachine()->currentStat(), STAT_MAIN);
+        ImgImplIoStep::disarm();
+        QVERIFY2(shown.contains("memory is full"), qPrintable(shown));
+        QCOMPARE(bytes(file), before);
+        QCOMPARE(QDir(m_files.path()).entryList(QDir::Hidden | QDir::Files).filter(".vo-"), QStringList());
+        QVERIFY(frame->pendingCommands().empty());
+        QVERIFY(!otherProcessCanLock(file));
+    }
+
     void secondEditorInOneProcessIsRefusedUntilRelease()
     {
         const QString file = photo("lock.png");
@@ -336,8 +380,14 @@ private slots:
         QVERIFY(frame->lockDescriptor() >= 0);
         for (int i = 0; i < 50; ++i)
             QVERIFY(!MMImageDecoder::decode(file).isNull());
-        // A save writes over the file through the copy command.
-        QCOMPARE(ImgImplImageStore::copyFile(frame->store()->realFilePath(), file), 0);
+        // A save puts a new file in place; the lock moves with it.
+        const QByteArray before = bytes(file);
+        press(frame, Qt::Key_Up);
+        press(frame, Qt::Key_Context2);
+        QTRY_VERIFY(editortest::visibleWindow<ImgSvcSaveMgr>());
+        press(editortest::visibleWindow<ImgSvcSaveMgr>(), Qt::Key_Context1);
+        QTRY_COMPARE(frame->stateMachine()->currentStat(), STAT_MAIN);
+        QVERIFY(bytes(file) != before);
         QVERIFY(!otherProcessCanLock(file));
         auto *second = new ImgImplMainFrame(file, nullptr, nullptr, 1);
         QCOMPARE(second->lockDescriptor(), -1);

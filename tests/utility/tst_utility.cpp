@@ -52,9 +52,15 @@ void TestUtility::tempNamesAreUniqueAndTaken()
     QTemporaryDir dir;
     QSet<QString> names;
     for (int i = 0; i < 200; ++i) {
-        // Half the calls give the directory without its trailing slash.
-        const QString name = QString::fromStdString(VOUtility::genTempFileName((dir.path() + (i % 2 ? "/" : "")).toStdString()));
+        // Half the calls give the directory without its trailing slash; a
+        // third ask for an extension, which must be part of the name taken.
+        const std::string path = (dir.path() + (i % 2 ? "/" : "")).toStdString();
+        const std::string suffix = i % 3 ? "" : ".Jpg";
+        const QString name = QString::fromStdString(i % 3 ? VOUtility::genTempFileName(path)
+                                                          : VOUtility::genTempFileName(path, suffix));
         const QFileInfo info(name);
+        QVERIFY(name.endsWith(QString::fromStdString(suffix)));
+        QCOMPARE(int(info.permissions() & (QFile::ReadOther | QFile::WriteOther | QFile::ReadGroup | QFile::WriteGroup)), 0);
         QCOMPARE(info.absolutePath(), QDir(dir.path()).absolutePath());
         QVERIFY(!name.contains("//"));
         QVERIFY(info.isFile() && info.size() == 0); // the empty placeholder holds the name

@@ -49,8 +49,8 @@ int MMAtomicFile::write(const QString &path, const QByteArray &data)
     int fd = -1;
     for (int attempt = 0; attempt < 64 && fd < 0; ++attempt) {
         temp = dir + "/.vo_" + QByteArray::number(QRandomGenerator::system()->generate64(), 36) + ".tmp";
-        // 0666 and the umask give a new file the usual permissions.
-        fd = ::open(temp.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+        // Private while the bytes go in: in /tmp others could read it.
+        fd = ::open(temp.constData(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600);
         if (fd < 0 && errno != EEXIST)
             return -1;
     }
@@ -58,8 +58,14 @@ int MMAtomicFile::write(const QString &path, const QByteArray &data)
         return -1;
 
     bool ok = writeAll(fd, data.constData(), data.size());
-    if (ok && existed)
-        ok = ::fchmod(fd, old.st_mode & 07777) == 0;
+    // The replaced file's permission bits, or those the umask gives a new file.
+    mode_t mode = old.st_mode & 07777;
+    if (!existed) {
+        const mode_t mask = ::umask(0);
+        ::umask(mask);
+        mode = 0666 & ~mask;
+    }
+    ok = ok && ::fchmod(fd, mode) == 0;
     ok = ok && ::fsync(fd) == 0;
     ok = (::close(fd) == 0) && ok;
     ok = ok && ::rename(temp.constData(), target.constData()) == 0;

@@ -171,12 +171,12 @@ QString ImgSvcElementFactory::writeTempFile(int element, const QSize &placedSize
     const QImage img = render(element, drawn.expandedTo(QSize(1, 1)), date);
     if (img.isNull())
         return QString();
-    const QString placeholder = QString::fromStdString(VOUtility::genTempFileName(QDir::tempPath().toStdString() + '/'));
-    if (placeholder.isEmpty())
+    // Created exclusively with its extension, so the name written is ours.
+    const QString path = QString::fromStdString(VOUtility::genTempFileName(QDir::tempPath().toStdString() + '/', ".png"));
+    if (path.isEmpty())
         return QString();
-    // The placeholder keeps the name ours until the PNG beside it exists.
-    const QString path = placeholder + QStringLiteral(".png");
-    const bool ok = MMImageWriter::write(img, path) == 0;
-    QFile::remove(placeholder);
-    return ok ? path : QString();
+    if (MMImageWriter::write(img, path) == 0)
+        return path;
+    QFile::remove(path);
+    return QString();
 }

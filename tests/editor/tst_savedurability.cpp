@@ -1,0 +1,487 @@
+#include "ImgImplBackupJournal.h"
+#include "ImgImplFileOps.h"
+#include "ImgImplImageStore.h"
+#include "ImgImplIoStep.h"
+#include "ImgImplSafeSave.h"
+#include "MMAtomicFile.h"
+#include "testimages.h"
+
+#include <QDir>
+#include <QRandomGenerator>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <fcntl.h>
+#include <grp.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <sys/xattr.h>
+#include <unistd.h>
+
+using namespace testimages;
+
+// Saving over a photo: whatever stops or fails the save at whatever step,
+// the photo is the old one or the new one byte for byte, and the next
+// launch leaves nothing behind.
+namespace {
+constexpr qint64 Chunk = 4096;
+
+QByteArray noise(qint64 size, quint32 seed)
+{
+    QByteArray data(int(size), Qt::Uninitialized);
+    QRandomGenerator gen(seed);
+    for (char &c : data)
+        c = char(gen.bounded(256));
+    return data;
+}
+
+// Where the planting hook puts its links, and at how many names.
+QByteArray g_victim;
+int g_plantsLeft = 0;
+
+void plantLink(const QByteArray &path)
+{
+    if (g_plantsLeft == 0)
+        return;
+    --g_plantsLeft;
+    symlink(g_victim.constData(), path.constData());
+}
+} // namespace
+
+class TestSaveDurability : public QObject
+{
+    Q_OBJECT
+    QTemporaryDir m_work;
+    QTemporaryDir m_pics;
+    QByteArray m_old;
+    QByteArray m_new;
+
+    QString photo() const { return m_pics.filePath("photo.jpg"); }
+    QString second() const { return m_pics.filePath("second link.jpg"); }
+
+    // The photo, and the new bytes in the working copy of a store on it.
+    // "inplace" gives the photo a second hard link, which a rename would
+    // split off.
+    void setUp(const QString &path, qint64 oldSize, qint64 newSize)
+    {
+        for (const QString &f : QDir(m_pics.path()).entryList(QDir::Files | QDir::Hidden | QDir::System))
+            QFile::remove(m_pics.filePath(f));
+        m_old = noise(oldSize, 1);
+        m_new = noise(newSize, 2);
+        QVERIFY(writeBytes(photo(), m_old));
+        if (path == "inplace")
+            QCOMPARE(link(QFile::encodeName(photo()).constData(), QFile::encodeName(second()).constData()), 0);
+    }
+
+    QStringList leftovers() const
+    {
+        QStringList left = QDir(m_pics.path()).entryList(QDir::Files | QDir::Hidden | QDir::System);
+        left.removeAll("photo.jpg");
+        left.removeAll("second link.jpg");
+        left += QDir(m_work.path()).entryList(QDir::Files | QDir::Hidden | QDir::System);
+        return left;
+    }
+
+    // One save as an editor does it, in a store of its own.
+    int save()
+    {
+        ImgImplImageStore store(photo());
+        if (!writeBytes(store.realFilePath(), m_new))
+            return -2;
+        return store.saveToOriginalFile();
+    }
+
+    int stepsOfOneSave(const QString &path, qint64 oldSize, qint64 newSize)
+    {
+        setUp(path, oldSize, newSize);
+        ImgImplIoStep::disarm();
+        const int result = save();
+        const int steps = ImgImplIoStep::count();
+        return result == 0 && bytes(photo()) == m_new ? steps : -1;
+    }
+
+    static void paths()
+    {
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<qint64>("oldSize");
+        QTest::addColumn<qint64>("newSize");
+        QTest::newRow("rename, grows") << "rename" << 3 * Chunk + 100 << 4 * Chunk + 7;
+        QTest::newRow("rename, shrinks") << "rename" << 4 * Chunk << Chunk + 1;
+        QTest::newRow("in place, grows") << "inplace" << 2 * Chunk + 5 << 3 * Chunk + 11;
+        QTest::newRow("in place, shrinks") << "inplace" << 3 * Chunk + 9 << 2 * Chunk;
+    }
+
+private slots:
+    void initTestCase()
+    {
+        ImgImplImageStore::setWorkingDirForTest(m_work.path());
+        ImgImplFileOps::setChunkSize(Chunk);
+    }
+    void cleanup()
+    {
+        ImgImplIoStep::disarm();
+        ImgImplFileOps::setCreateHookForTest(nullptr);
+    }
+
+    void stopDeadAfterEveryStep_data() { paths(); }
+
+    // The save is stopped with _exit right after its N-th step, for every N.
+    void stopDeadAfterEveryStep()
+    {
+        QFETCH(QString, path);
+        QFETCH(qint64, oldSize);
+        QFETCH(qint64, newSize);
+        const int steps = stepsOfOneSave(path, oldSize, newSize);
+        QVERIFY(steps > 4);
+        QVERIFY(leftovers().isEmpty());
+        for (int n = 1; n <= steps; ++n) {
+            setUp(path, oldSize, newSize);
+            const pid_t child = fork();
+            if (child == 0) {
+                ImgImplIoStep::arm(ImgImplIoStep::StopAfter, n);
+                save();
+                _exit(0);
+            }
+            int status = 0;
+            QCOMPARE(waitpid(child, &status, 0), child);
+            QVERIFY2(WIFEXITED(status) && WEXITSTATUS(status) == ImgImplIoStep::StopExitCode, qPrintable(QString::number(n)));
+            // A rename leaves the photo whole at every instant; in place it
+            // may be torn until the next launch puts the backup back.
+            const QByteArray now = bytes(photo());
+            if (path == "rename")
+                QVERIFY2(now == m_old || now == m_new, qPrintable(QString("torn after step %1").arg(n)));
+            // The next launch.
+            delete new ImgImplImageStore(photo());
+            const QByteArray recovered = bytes(photo());
+            QVERIFY2(recovered == m_old || recovered == m_new, qPrintable(QString::number(n)));
+            // A renamed-in photo is committed; in place, only the backup's
+            // removal commits.
+            if (now == m_new && path == "rename")
+                QCOMPARE(recovered, m_new);
+            QVERIFY2(leftovers().isEmpty(), qPrintable(QString("step %1: %2").arg(n).arg(leftovers().join(", "))));
+            if (path == "inplace")
+                QCOMPARE(bytes(second()), recovered);
+        }
+    }
+
+    void failEveryStep_data()
+    {
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<qint64>("oldSize");
+        QTest::addColumn<qint64>("newSize");
+        QTest::addColumn<int>("error");
+        QTest::newRow("rename, no space") << "rename" << 3 * Chunk << 2 * Chunk + 3 << ENOSPC;
+        QTest::newRow("rename, I/O error") << "rename" << 2 * Chunk << 3 * Chunk + 3 << EIO;
+        QTest::newRow("in place, no space") << "inplace" << 2 * Chunk + 1 << 3 * Chunk << ENOSPC;
+        QTest::newRow("in place, I/O error") << "inplace" << 3 * Chunk << 2 * Chunk - 1 << EIO;
+    }
+
+    // Each step in turn fails. Until the save commits, a failure leaves the
+    // photo as it was and nothing beside it; the last step (flushing the
+    // folder after the commit) cannot take the new photo back any more.
+    void failEveryStep()
+    {
+        QFETCH(QString, path);
+        QFETCH(qint64, oldSize);
+        QFETCH(qint64, newSize);
+        QFETCH(int, error);
+        const int steps = stepsOfOneSave(path, oldSize, newSize);
+        QVERIFY(steps > 4);
+        for (int n = 1; n <= steps; ++n) {
+            setUp(path, oldSize, newSize);
+            ImgImplIoStep::arm(ImgImplIoStep::FailAt, n, error);
+            const int result = save();
+            ImgImplIoStep::disarm();
+            const bool committed = n == steps;
+            QCOMPARE(result, committed ? 0 : -1);
+            QVERIFY2(bytes(photo()) == (committed ? m_new : m_old), qPrintable(QString::number(n)));
+            QVERIFY2(leftovers().isEmpty(), qPrintable(QString("step %1: %2").arg(n).arg(leftovers().join(", "))));
+        }
+    }
+
+    // A link planted at a name the save is about to create is never
+    // followed: one planted name is avoided, a link at every name makes the
+    // save fail with the photo unchanged. The link's target is never written.
+    void plantedLinksAreNeverFollowed_data()
+    {
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<int>("plants");
+        QTest::addColumn<bool>("saved");
+        QTest::newRow("rename, first name taken") << "rename" << 1 << true;
+        QTest::newRow("rename, every name taken") << "rename" << 1000 << false;
+        QTest::newRow("in place, first names taken") << "inplace" << 2 << true;
+        QTest::newRow("in place, every name taken") << "inplace" << 1000 << false;
+    }
+
+    void plantedLinksAreNeverFollowed()
+    {
+        QFETCH(QString, path);
+        QFETCH(int, plants);
+        QFETCH(bool, saved);
+        QTemporaryDir elsewhere;
+        const QString victim = elsewhere.filePath("victim");
+        QVERIFY(writeBytes(victim, "not yours"));
+        setUp(path, 2 * Chunk, 3 * Chunk);
+        ImgImplImageStore store(photo());
+        QVERIFY(writeBytes(store.realFilePath(), m_new));
+        g_victim = QFile::encodeName(victim);
+        g_plantsLeft = plants;
+        ImgImplFileOps::setCreateHookForTest(plantLink);
+        const int result = store.saveToOriginalFile();
+        ImgImplFileOps::setCreateHookForTest(nullptr);
+        QCOMPARE(result, saved ? 0 : -1);
+        QCOMPARE(bytes(photo()), saved ? m_new : m_old);
+        QCOMPARE(bytes(victim), QByteArray("not yours"));
+        QCOMPARE(QDir(elsewhere.path()).entryList(QDir::Files | QDir::Hidden), QStringList{"victim"});
+    }
+
+    // The working copies get a fresh name when a link waits at theirs.
+    void workingCopyAvoidsPlantedLink()
+    {
+        QTemporaryDir elsewhere;
+        const QString victim = elsewhere.filePath("victim");
+        QVERIFY(writeBytes(victim, "not yours"));
+        setUp("rename", 100, 100);
+        g_victim = QFile::encodeName(victim);
+        g_plantsLeft = 1;
+        ImgImplFileOps::setCreateHookForTest(plantLink);
+        ImgImplImageStore store(photo());
+        ImgImplFileOps::setCreateHookForTest(nullptr);
+        QCOMPARE(bytes(store.realFilePath()), m_old);
+        QVERIFY(!QFileInfo(store.realFilePath()).isSymLink());
+        QCOMPARE(bytes(victim), QByteArray("not yours"));
+    }
+
+    // The lock moves with the save: before, during and after, no other
+    // editor can lock the photo.
+    void editLockMovesToTheNewFile()
+    {
+        setUp("rename", 1000, 2000);
+        ImgImplImageStore store(photo());
+        int lockFd = ::open(QFile::encodeName(photo()).constData(), O_RDWR | O_CLOEXEC);
+        QCOMPARE(flock(lockFd, LOCK_EX | LOCK_NB), 0);
+        QVERIFY(writeBytes(store.realFilePath(), m_new));
+        const int before = lockFd;
+        QCOMPARE(store.saveToOriginalFile(&lockFd), 0);
+        QVERIFY(lockFd != before);
+        QCOMPARE(fcntl(before, F_GETFD), -1); // the old descriptor is closed
+        struct stat locked, onDisk;
+        QCOMPARE(fstat(lockFd, &locked), 0);
+        QCOMPARE(stat(QFile::encodeName(photo()).constData(), &onDisk), 0);
+        QCOMPARE(locked.st_ino, onDisk.st_ino);
+        const int other = ::open(QFile::encodeName(photo()).constData(), O_RDWR | O_CLOEXEC);
+        QCOMPARE(flock(other, LOCK_EX | LOCK_NB), -1);
+        ::close(other);
+        ::close(lockFd);
+    }
+
+    // Files of live editors survive a launch; those of a dead one do not.
+    void launchSweepsOnlyDeadEditors()
+    {
+        setUp("rename", 100, 100);
+        QVERIFY(writeBytes(m_pics.filePath("other.jpg"), "other"));
+        auto *live1 = new ImgImplImageStore(photo());
+        auto *live2 = new ImgImplImageStore(m_pics.filePath("other.jpg"));
+        live1->getTmpSource(1);
+        const pid_t child = fork();
+        if (child == 0) {
+            ImgImplImageStore dead(photo());
+            dead.getTmpSource(1);
+            _exit(0); // no destructor: as if killed
+        }
+        int status = 0;
+        QCOMPARE(waitpid(child, &status, 0), child);
+        const QStringList withDead = QDir(m_work.path()).entryList(QDir::Files);
+        QCOMPARE(withDead.filter("live_").size(), 3);
+        delete new ImgImplImageStore(photo());
+        const QStringList after = QDir(m_work.path()).entryList(QDir::Files);
+        QCOMPARE(after.filter("live_").size(), 2);
+        for (const QString &f : {live1->realFilePath(), live1->tmpFilePath(), live2->realFilePath()})
+            QVERIFY2(after.contains(QFileInfo(f).fileName()), qPrintable(f));
+        QCOMPARE(after.size(), 5);
+        delete live1;
+        delete live2;
+        QVERIFY(QDir(m_work.path()).entryList(QDir::Files).isEmpty());
+    }
+
+    // As root: another user's file with an ACL and an extended attribute,
+    // a hard-linked file, absolute and relative symlinks.
+    void fileStaysWhatItWas_data()
+    {
+        QTest::addColumn<QString>("kind");
+        QTest::newRow("other owner, ACL, xattr") << "owner";
+        QTest::newRow("two hard links") << "hardlink";
+        QTest::newRow("absolute symlink") << "abslink";
+        QTest::newRow("relative symlink") << "rellink";
+    }
+
+    void fileStaysWhatItWas()
+    {
+        QFETCH(QString, kind);
+        if (geteuid() != 0)
+            QSKIP("needs root: the file must belong to another user");
+        setUp(kind == "hardlink" ? "inplace" : "rename", 5000, 7000);
+        const QByteArray target = QFile::encodeName(photo());
+        QString edited = photo();
+        if (kind == "owner") {
+            QCOMPARE(chown(target.constData(), 4321, 4322), 0);
+            QCOMPARE(chmod(target.constData(), 0640), 0);
+            QCOMPARE(setxattr(target.constData(), "user.rating", "5", 1, 0), 0);
+            // A POSIX ACL as the kernel stores it: u::rw, u:4323:rw, g::r, m::r, o::-.
+            const quint32 header = 2;
+            const struct { quint16 tag, perm; quint32 id; } entries[] = {
+                {0x01, 6, 0xffffffffu}, {0x02, 6, 4323}, {0x04, 4, 0xffffffffu}, {0x10, 4, 0xffffffffu}, {0x20, 0, 0xffffffffu}};
+            QByteArray acl(reinterpret_cast<const char *>(&header), 4);
+            acl.append(reinterpret_cast<const char *>(entries), sizeof entries);
+            QCOMPARE(setxattr(target.constData(), "system.posix_acl_access", acl.constData(), acl.size(), 0), 0);
+        } else if (kind == "abslink" || kind == "rellink") {
+            QDir(m_pics.path()).mkdir("links");
+            edited = m_pics.filePath("links/link.jpg");
+            QFile::remove(edited);
+            const QByteArray to = kind == "abslink" ? target : QByteArray("../photo.jpg");
+            QCOMPARE(symlink(to.constData(), QFile::encodeName(edited).constData()), 0);
+        }
+        struct stat before;
+        QCOMPARE(stat(target.constData(), &before), 0);
+        char acl[256], rating[8];
+        const ssize_t aclSize = getxattr(target.constData(), "system.posix_acl_access", acl, sizeof acl);
+
+        QVERIFY(writeBytes(m_work.filePath("new.jpg"), m_new));
+        QCOMPARE(ImgImplImageStore::copyFile(m_work.filePath("new.jpg"), edited), 0);
+        QCOMPARE(bytes(edited), m_new);
+        struct stat after;
+        QCOMPARE(stat(target.constData(), &after), 0);
+        QCOMPARE(after.st_uid, before.st_uid);
+        QCOMPARE(after.st_gid, before.st_gid);
+        QCOMPARE(after.st_mode, before.st_mode);
+        if (kind == "owner") {
+            char aclAfter[256];
+            QCOMPARE(getxattr(target.constData(), "system.posix_acl_access", aclAfter, sizeof aclAfter), aclSize);
+            QCOMPARE(QByteArray(aclAfter, int(aclSize)), QByteArray(acl, int(aclSize)));
+            QCOMPARE(getxattr(target.constData(), "user.rating", rating, sizeof rating), ssize_t(1));
+            QCOMPARE(rating[0], '5');
+        } else if (kind == "hardlink") {
+            QCOMPARE(bytes(second()), m_new);
+            QCOMPARE(after.st_ino, before.st_ino);
+        } else {
+            QVERIFY(QFileInfo(edited).isSymLink());
+        }
+        QVERIFY(leftovers().filter(".vo-").isEmpty());
+    }
+
+    // Without root's rights a rename cannot keep another user's file, nor
+    // put a new file in a folder we may not write: the file is written in
+    // place, its backup beside it or, failing that, in the working folder;
+    // a save killed there is undone by the next launch.
+    void inPlaceWhenRenameCannotServe_data()
+    {
+        QTest::addColumn<QString>("kind");
+        QTest::addColumn<int>("stopAfter");
+        QTest::newRow("someone else's file") << "owner" << 0;
+        QTest::newRow("folder we may not write") << "folder" << 0;
+        // Header, two backup chunks, flush, commit, folder flush, first write.
+        QTest::newRow("folder we may not write, killed mid-write") << "folder" << 7;
+    }
+
+    void inPlaceWhenRenameCannotServe()
+    {
+        QFETCH(QString, kind);
+        QFETCH(int, stopAfter);
+        if (geteuid() != 0)
+            QSKIP("needs root to act as two other users");
+        const uid_t user = 4400, other = 4401;
+        QTemporaryDir base;
+        QCOMPARE(chmod(QFile::encodeName(base.path()).constData(), 0755), 0);
+        const QString dir = base.filePath("pics"), work = base.filePath("work");
+        QVERIFY(QDir().mkpath(dir) && QDir().mkpath(work));
+        QCOMPARE(chown(QFile::encodeName(work).constData(), user, user), 0);
+        QCOMPARE(chmod(QFile::encodeName(dir).constData(), kind == "owner" ? 0777 : 0755), 0);
+        const QString file = dir + "/photo.jpg", source = base.filePath("new.jpg");
+        m_old = noise(5000, 3);
+        m_new = noise(6000, 4);
+        QVERIFY(writeBytes(file, m_old) && writeBytes(source, m_new));
+        const QByteArray path = QFile::encodeName(file);
+        QCOMPARE(chown(path.constData(), kind == "owner" ? other : user, user), 0);
+        QCOMPARE(chmod(path.constData(), 0660), 0);
+        QCOMPARE(chmod(QFile::encodeName(source).constData(), 0644), 0);
+        struct stat before;
+        QCOMPARE(stat(path.constData(), &before), 0);
+
+        const pid_t child = fork();
+        if (child == 0) {
+            if (setgroups(0, nullptr) != 0 || setgid(user) != 0 || setuid(user) != 0)
+                _exit(3);
+            ImgImplImageStore::setWorkingDirForTest(work);
+            if (stopAfter)
+                ImgImplIoStep::arm(ImgImplIoStep::StopAfter, stopAfter);
+            _exit(ImgImplSafeSave::write(source, file) == 0 ? 0 : 1);
+        }
+        int status = 0;
+        QCOMPARE(waitpid(child, &status, 0), child);
+        QVERIFY(WIFEXITED(status));
+        QCOMPARE(WEXITSTATUS(status), stopAfter ? ImgImplIoStep::StopExitCode : 0);
+        if (stopAfter) {
+            QCOMPARE(QDir(work).entryList(QDir::Files).filter("backup_").size(), 1);
+            ImgImplBackupJournal::recoverIn(QFile::encodeName(work));
+        }
+        QCOMPARE(bytes(file), stopAfter ? m_old : m_new);
+        struct stat after;
+        QCOMPARE(stat(path.constData(), &after), 0);
+        QCOMPARE(after.st_ino, before.st_ino);
+        QCOMPARE(after.st_uid, before.st_uid);
+        QCOMPARE(after.st_mode, before.st_mode);
+        QCOMPARE(QDir(dir).entryList(QDir::Files | QDir::Hidden), QStringList{"photo.jpg"});
+        QCOMPARE(QDir(work).entryList(QDir::Files | QDir::Hidden), QStringList());
+    }
+
+    // The engine's own outputs (working copies, the save-as temporary) keep
+    // the mode of the file they replace, or get the umask's.
+    void engineOutputsKeepOrGetUsualMode()
+    {
+        const QString made = m_pics.filePath("engine-new"), kept = m_pics.filePath("engine-kept");
+        QFile::remove(made);
+        QVERIFY(writeBytes(kept, "old"));
+        QCOMPARE(chmod(QFile::encodeName(kept).constData(), 0600), 0);
+        const mode_t mask = umask(027);
+        const int madeResult = MMAtomicFile::write(made, "new");
+        const int keptResult = MMAtomicFile::write(kept, "new");
+        umask(mask);
+        QCOMPARE(madeResult, 0);
+        QCOMPARE(keptResult, 0);
+        struct stat st;
+        QCOMPARE(stat(QFile::encodeName(made).constData(), &st), 0);
+        QCOMPARE(int(st.st_mode & 07777), 0640);
+        QCOMPARE(stat(QFile::encodeName(kept).constData(), &st), 0);
+        QCOMPARE(int(st.st_mode & 07777), 0600);
+        QCOMPARE(bytes(kept), QByteArray("new"));
+    }
+
+    // Save as: a new file gets the umask's mode, and a name that appears
+    // while it is written is not replaced.
+    void saveAsMakesOrdinaryNewFiles()
+    {
+        setUp("rename", 10, 10);
+        QVERIFY(writeBytes(m_work.filePath("new.jpg"), m_new));
+        const mode_t mask = umask(027);
+        const int result = ImgImplImageStore::copyFile(m_work.filePath("new.jpg"), m_pics.filePath("fresh.jpg"));
+        umask(mask);
+        QCOMPARE(result, 0);
+        struct stat made;
+        QCOMPARE(stat(QFile::encodeName(m_pics.filePath("fresh.jpg")).constData(), &made), 0);
+        QCOMPARE(int(made.st_mode & 07777), 0640);
+        QCOMPARE(bytes(m_pics.filePath("fresh.jpg")), m_new);
+
+        // Someone creates the name between the check and the rename.
+        static QString late;
+        late = m_pics.filePath("late.jpg");
+        ImgImplFileOps::setCreateHookForTest([](const QByteArray &) { writeBytes(late, "theirs"); });
+        QCOMPARE(ImgImplImageStore::copyFile(m_work.filePath("new.jpg"), late), -1);
+        ImgImplFileOps::setCreateHookForTest(nullptr);
+        QCOMPARE(bytes(late), QByteArray("theirs"));
+        QVERIFY(leftovers().filter(".vo-").isEmpty());
+    }
+};
+
+QTEST_MAIN(TestSaveDurability)
+#include "tst_savedurability.moc"
