@@ -1,4 +1,5 @@
 #include "MMJpegCodec.h"
+#include "MMJpegStripEncoder.h"
 #include <QPainter>
 #include <limits>
 #include <turbojpeg.h>
@@ -109,6 +110,14 @@ QByteArray MMJpegCodec::encode(const QImage &image, int quality, MMJpegHeader::S
     if (pixels.isNull())
         return QByteArray();
 
+    if (!progressive) {
+        // Large baseline pictures: two threads, each on its own strips.
+        QByteArray joined = MMJpegStripEncoder::encode(pixels.constBits(), pixels.width(), int(pixels.bytesPerLine()),
+                                                       pixels.height(), pixelFormat, int(subsampling),
+                                                       qBound(1, quality, 100));
+        if (!joined.isEmpty())
+            return joined;
+    }
     TjHandle tj(tjInitCompress());
     if (!tj.handle)
         return QByteArray();

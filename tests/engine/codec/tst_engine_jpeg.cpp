@@ -32,6 +32,10 @@ private slots:
     void regionDecodeEqualsFullDecode();
     void plannedSaveMatchesNaiveReplay_data();
     void plannedSaveMatchesNaiveReplay();
+    void shrinkWhileDecodingAveragesAreas_data();
+    void shrinkWhileDecodingAveragesAreas();
+    void stripEncodeDecodesAsOnePiece_data();
+    void stripEncodeDecodesAsOnePiece();
 
 private:
     QString path(const QString &name) const { return m_dir.filePath(name); }
@@ -203,18 +207,25 @@ void TestEngineJpeg::regionDecodeEqualsFullDecode_data()
     QTest::addColumn<int>("scale");
     QTest::addColumn<QRect>("rect");
     QTest::addColumn<int>("orientation");
+    QTest::addColumn<QSize>("size");
     // Odd offsets inside blocks, the picture's edges, every orientation.
-    QTest::newRow("4:2:0 inner") << "2x2" << 1 << QRect(37, 21, 101, 77) << 1;
-    QTest::newRow("4:2:0 on block edges") << "2x2" << 1 << QRect(32, 32, 64, 48) << 1;
-    QTest::newRow("4:2:2 on block edges, half scale") << "2x1" << 2 << QRect(16, 8, 32, 24) << 1;
-    QTest::newRow("4:2:0 turned right") << "2x2" << 1 << QRect(17, 33, 90, 50) << 6;
-    QTest::newRow("4:2:2 transverse") << "2x1" << 1 << QRect(1, 1, 170, 110) << 7;
-    QTest::newRow("4:4:4 left, to the bottom") << "1x1" << 1 << QRect(0, 40, 63, 80) << 8;
-    QTest::newRow("4:2:2 whole, mirrored") << "2x1" << 1 << QRect(0, 0, 176, 120) << 2;
-    QTest::newRow("4:2:0 progressive, below the top") << "2x2 -progressive" << 1 << QRect(21, 57, 80, 40) << 6;
-    QTest::newRow("grey transposed") << "grey" << 1 << QRect(15, 9, 48, 100) << 5;
-    QTest::newRow("4:2:0 half scale, upside down") << "2x2" << 2 << QRect(9, 7, 61, 44) << 3;
-    QTest::newRow("4:2:2 eighth scale") << "2x1" << 8 << QRect(3, 2, 18, 13) << 4;
+    QTest::newRow("4:2:0 inner") << "2x2" << 1 << QRect(37, 21, 101, 77) << 1 << QSize(176, 120);
+    QTest::newRow("4:2:0 on block edges") << "2x2" << 1 << QRect(32, 32, 64, 48) << 1 << QSize(176, 120);
+    QTest::newRow("4:2:2 on block edges, half scale") << "2x1" << 2 << QRect(16, 8, 32, 24) << 1 << QSize(176, 120);
+    QTest::newRow("4:2:0 turned right") << "2x2" << 1 << QRect(17, 33, 90, 50) << 6 << QSize(176, 120);
+    QTest::newRow("4:2:2 transverse") << "2x1" << 1 << QRect(1, 1, 170, 110) << 7 << QSize(176, 120);
+    QTest::newRow("4:4:4 left, to the bottom") << "1x1" << 1 << QRect(0, 40, 63, 80) << 8 << QSize(176, 120);
+    QTest::newRow("4:2:2 whole, mirrored") << "2x1" << 1 << QRect(0, 0, 176, 120) << 2 << QSize(176, 120);
+    QTest::newRow("4:2:0 progressive, below the top") << "2x2 -progressive" << 1 << QRect(21, 57, 80, 40) << 6 << QSize(176, 120);
+    QTest::newRow("grey transposed") << "grey" << 1 << QRect(15, 9, 48, 100) << 5 << QSize(176, 120);
+    QTest::newRow("4:2:0 half scale, upside down") << "2x2" << 2 << QRect(9, 7, 61, 44) << 3 << QSize(176, 120);
+    QTest::newRow("4:2:2 eighth scale") << "2x1" << 8 << QRect(3, 2, 18, 13) << 4 << QSize(176, 120);
+    // Large enough to be decoded by two threads, the second starting mid-picture.
+    QTest::newRow("split 4:2:0 turned right") << "2x2" << 1 << QRect(3, 5, 1271, 1013) << 6 << QSize(1280, 1024);
+    QTest::newRow("split 4:2:2 region, mirrored") << "2x1" << 1 << QRect(41, 300, 1100, 700) << 2 << QSize(1280, 1024);
+    QTest::newRow("split grey whole") << "grey" << 1 << QRect(0, 0, 1280, 1024) << 1 << QSize(1280, 1024);
+    QTest::newRow("split 4:2:0 half scale") << "2x2" << 2 << QRect(0, 0, 1100, 1000) << 8 << QSize(2200, 2000);
+    QTest::newRow("progressive stays whole") << "2x2 -progressive" << 1 << QRect(7, 9, 1200, 1000) << 6 << QSize(1280, 1024);
 }
 
 void TestEngineJpeg::regionDecodeEqualsFullDecode()
@@ -223,13 +234,14 @@ void TestEngineJpeg::regionDecodeEqualsFullDecode()
     QFETCH(int, scale);
     QFETCH(QRect, rect);
     QFETCH(int, orientation);
+    QFETCH(QSize, size);
     const QString ppm = path("region.ppm"), jpeg = path("region.jpg");
-    QVERIFY(photo(176, 120).save(ppm, "PPM"));
+    QVERIFY(photo(size.width(), size.height()).save(ppm, "PPM"));
     const QStringList colour = sampling == "grey" ? QStringList{ "-grayscale" } : ("-sample " + sampling).split(' ');
     QVERIFY(run("cjpeg", colour + QStringList{ "-quality", "85", "-outfile", jpeg, ppm }));
     const QByteArray data = bytes(jpeg);
     const MMOrientation turn = MMOrientation::fromExif(orientation);
-    const QSize stored(176, 120), scaled((176 + scale - 1) / scale, (120 + scale - 1) / scale);
+    const QSize stored = size, scaled((size.width() + scale - 1) / scale, (size.height() + scale - 1) / scale);
     const QImage full = scale == 1 ? MMJpegCodec::decode(data)
                                    : MMJpegRegionDecoder::decode(data, stored, scale, QRect(QPoint(0, 0), scaled),
                                                                  MMOrientation(), QImage::Format_RGB32);
@@ -286,6 +298,88 @@ void TestEngineJpeg::plannedSaveMatchesNaiveReplay()
     // may add at most as much again.
     const double difference = meanDifference(planned, naive);
     QVERIFY2(difference <= 2 * reencoding + 0.25, qPrintable(QString("%1 vs %2").arg(difference).arg(reencoding)));
+}
+
+void TestEngineJpeg::shrinkWhileDecodingAveragesAreas_data()
+{
+    QTest::addColumn<QSize>("size");
+    QTest::addColumn<int>("orientation");
+    QTest::addColumn<QSize>("target");
+    QTest::newRow("half, one thread") << QSize(300, 200) << 1 << QSize(150, 100);
+    QTest::newRow("uneven, turned right, two threads") << QSize(1280, 1024) << 6 << QSize(391, 517);
+    QTest::newRow("just below full, mirrored") << QSize(1281, 1023) << 2 << QSize(1280, 1021);
+    QTest::newRow("one row") << QSize(1600, 900) << 1 << QSize(800, 1);
+}
+
+// A shrink while decoding is the area average ImageMagick's -scale makes of
+// the full decode.
+void TestEngineJpeg::shrinkWhileDecodingAveragesAreas()
+{
+    QFETCH(QSize, size);
+    QFETCH(int, orientation);
+    QFETCH(QSize, target);
+    const QString jpeg = makeJpeg(photo(size.width(), size.height()), "shrink.jpg", 90);
+    const QString full = path("shrink-full.ppm"), reference = path("shrink-ref.ppm");
+    QVERIFY(run("djpeg", { "-pnm", "-outfile", full, jpeg }));
+    const MMOrientation turn = MMOrientation::fromExif(orientation);
+    const QSize stored = turn.map(target);
+    QVERIFY(run("convert", { full, "-scale", QString("%1x%2!").arg(stored.width()).arg(stored.height()), reference }));
+    const QImage expected = turn.apply(QImage(reference).convertToFormat(QImage::Format_RGB32));
+
+    const QImage shrunk = MMJpegRegionDecoder::decode(bytes(jpeg), size, 1, QRect(QPoint(0, 0), size), turn,
+                                                      QImage::Format_RGB32, target);
+
+    QCOMPARE(shrunk.size(), target);
+    int worst = 0;
+    for (int y = 0; y < target.height(); ++y)
+        for (int x = 0; x < target.width(); ++x) {
+            const QRgb a = shrunk.pixel(x, y), b = expected.pixel(x, y);
+            worst = qMax(worst, qMax(qAbs(qRed(a) - qRed(b)), qMax(qAbs(qGreen(a) - qGreen(b)), qAbs(qBlue(a) - qBlue(b)))));
+        }
+    QVERIFY2(worst <= 1, qPrintable(QString("worst difference %1").arg(worst)));
+}
+
+void TestEngineJpeg::stripEncodeDecodesAsOnePiece_data()
+{
+    QTest::addColumn<QSize>("size");
+    QTest::addColumn<QString>("sampling");
+    QTest::addColumn<int>("quality");
+    QTest::newRow("4:2:0, partial blocks at the edges") << QSize(1283, 1021) << "2x2" << 90;
+    QTest::newRow("4:2:2 tall") << QSize(700, 3001) << "2x1" << 92;
+    QTest::newRow("4:4:4, more strips than threads") << QSize(2048, 2056) << "1x1" << 90;
+    QTest::newRow("grey") << QSize(1100, 1000) << "grey" << 75;
+    QTest::newRow("small: one piece") << QSize(300, 200) << "2x2" << 90;
+    QTest::newRow("4:2:2 at quality 100") << QSize(1300, 1000) << "2x1" << 100;
+}
+
+// Strips encoded apart and joined decode to exactly the pixels of the same
+// picture encoded in one piece by cjpeg, without a warning from djpeg.
+void TestEngineJpeg::stripEncodeDecodesAsOnePiece()
+{
+    QFETCH(QSize, size);
+    QFETCH(QString, sampling);
+    QFETCH(int, quality);
+    QImage image = photo(size.width(), size.height());
+    // Fine detail, so that a strip out of place shows in every block.
+    for (int y = 0; y < size.height(); y += 3)
+        for (int x = (y * 7) % 5; x < size.width(); x += 5)
+            image.setPixel(x, y, qRgb((x * 31) % 256, (y * 17) % 256, ((x + y) * 13) % 256));
+    const bool grey = sampling == "grey";
+    if (grey)
+        image = image.convertToFormat(QImage::Format_Grayscale8);
+    const MMJpegHeader::Subsampling sub = grey ? MMJpegHeader::SubGray
+        : sampling == "2x2" ? MMJpegHeader::Sub420 : sampling == "2x1" ? MMJpegHeader::Sub422 : MMJpegHeader::Sub444;
+    const QString ours = path("strips.jpg"), ppm = path("strips.pnm"), theirs = path("strips-ref.jpg");
+    QVERIFY(writeBytes(ours, MMJpegCodec::encode(image, quality, sub, false)));
+    QVERIFY(image.save(ppm, grey ? "PGM" : "PPM"));
+    const QStringList colour = grey ? QStringList{ "-grayscale" } : QStringList{ "-sample", sampling };
+    // TurboJPEG encodes with the fast DCT below quality 96.
+    const QString dct = quality < 96 ? "fast" : "int";
+    QVERIFY(run("cjpeg", colour + QStringList{ "-dct", dct, "-quality", QString::number(quality), "-outfile", theirs, ppm }));
+
+    const QImage decoded = djpeg(ours);
+    QCOMPARE(decoded.size(), size);
+    QCOMPARE(decoded, djpeg(theirs));
 }
 
 QTEST_GUILESS_MAIN(TestEngineJpeg)
