@@ -74,6 +74,16 @@ void place(const Placement &p, const unsigned char *src, ptrdiff_t srcStride, in
             std::memcpy(p.origin + (firstRow + r) * p.stepY, src + r * srcStride, size_t(width) * Bpp);
         return;
     }
+    if (p.stepX == -Bpp) {
+        // Mirrored rows (half turns, flips): still row by row.
+        for (int r = 0; r < rows; ++r) {
+            unsigned char *dst = p.origin + (firstRow + r) * p.stepY;
+            const unsigned char *s = src + r * srcStride;
+            for (int x = 0; x < width; ++x, dst -= Bpp, s += Bpp)
+                std::memcpy(dst, s, Bpp);
+        }
+        return;
+    }
     // Column by column: each source column of the band lands as a short
     // run of neighbouring destination pixels, which keeps turned writes
     // within a few cache lines.
