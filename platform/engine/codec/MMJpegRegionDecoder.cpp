@@ -1,5 +1,6 @@
 #include "MMJpegRegionDecoder.h"
 #include "MMAreaScaler.h"
+#include "MMJpegErrorJump.h"
 #include <csetjmp>
 #include <cstdio>
 #include <cstring>
@@ -18,22 +19,11 @@ const qint64 kSplitPixels = 1 << 20;
 // Share of the rows the first of two parts decodes (see decode()).
 const double kFirstPartShare = 0.62;
 
-struct ErrorManager
-{
-    jpeg_error_mgr pub;
-    std::jmp_buf jump;
-};
-
-[[noreturn]] void onError(j_common_ptr cinfo)
-{
-    std::longjmp(reinterpret_cast<ErrorManager *>(cinfo->err)->jump, 1);
-}
-
 void onMessage(j_common_ptr cinfo, int level)
 {
     // Stray bytes between segments are common in camera files and harm nothing.
     if (level < 0 && cinfo->err->msg_code != JWRN_EXTRANEOUS_DATA)
-        std::longjmp(reinterpret_cast<ErrorManager *>(cinfo->err)->jump, 1);
+        MMJpegErrorJump::onError(cinfo);
 }
 
 // Everything that must outlive a longjmp out of libjpeg; no object with a
@@ -41,7 +31,7 @@ void onMessage(j_common_ptr cinfo, int level)
 struct Decoder
 {
     jpeg_decompress_struct cinfo;
-    ErrorManager error;
+    MMJpegErrorJump error;
     std::vector<unsigned char> band;
     std::vector<unsigned char> shrunk;
     std::unique_ptr<MMAreaScaler> scaler;
@@ -223,9 +213,7 @@ bool runPart(Decoder &d, const Job &job, int firstOut, int endOut)
 // gives up. body must not own anything a longjmp out of it would leak.
 template <class Body> bool withDecoder(Decoder &d, Body body)
 {
-    d.cinfo.err = jpeg_std_error(&d.error.pub);
-    d.error.pub.error_exit = onError;
-    d.error.pub.emit_message = onMessage;
+    d.error.install(reinterpret_cast<j_common_ptr>(&d.cinfo), onMessage);
     jpeg_create_decompress(&d.cinfo);
     if (setjmp(d.error.jump)) {
         jpeg_destroy_decompress(&d.cinfo);

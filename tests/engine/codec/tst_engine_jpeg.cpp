@@ -344,21 +344,29 @@ void TestEngineJpeg::stripEncodeDecodesAsOnePiece_data()
     QTest::addColumn<QSize>("size");
     QTest::addColumn<QString>("sampling");
     QTest::addColumn<int>("quality");
-    QTest::newRow("4:2:0, partial blocks at the edges") << QSize(1283, 1021) << "2x2" << 90;
-    QTest::newRow("4:2:2 tall") << QSize(700, 3001) << "2x1" << 92;
-    QTest::newRow("4:4:4, more strips than threads") << QSize(2048, 2056) << "1x1" << 90;
-    QTest::newRow("grey") << QSize(1100, 1000) << "grey" << 75;
-    QTest::newRow("small: one piece") << QSize(300, 200) << "2x2" << 90;
-    QTest::newRow("4:2:2 at quality 100") << QSize(1300, 1000) << "2x1" << 100;
+    QTest::addColumn<bool>("progressive");
+    QTest::newRow("4:2:0, partial blocks at the edges") << QSize(1283, 1021) << "2x2" << 90 << false;
+    QTest::newRow("4:2:2 tall") << QSize(700, 3001) << "2x1" << 92 << false;
+    QTest::newRow("4:4:4, more strips than threads") << QSize(2048, 2056) << "1x1" << 90 << false;
+    QTest::newRow("grey") << QSize(1100, 1000) << "grey" << 75 << false;
+    QTest::newRow("small: one piece") << QSize(300, 200) << "2x2" << 90 << false;
+    QTest::newRow("4:2:2 at quality 100") << QSize(1300, 1000) << "2x1" << 100 << false;
+    // Progressive: luma and chroma scans written apart, then joined.
+    QTest::newRow("progressive 4:2:2 at quality 100") << QSize(1301, 1003) << "2x1" << 100 << true;
+    QTest::newRow("progressive 4:2:0") << QSize(1283, 1021) << "2x2" << 85 << true;
+    QTest::newRow("progressive 4:4:4") << QSize(1024, 1100) << "1x1" << 92 << true;
+    QTest::newRow("progressive grey: one piece") << QSize(1100, 1000) << "grey" << 90 << true;
 }
 
-// Strips encoded apart and joined decode to exactly the pixels of the same
-// picture encoded in one piece by cjpeg, without a warning from djpeg.
+// Strips (or scans) encoded apart and joined decode to exactly the pixels of
+// the same picture encoded in one piece by cjpeg, without a warning from
+// djpeg: the same coefficients, however the stream is cut.
 void TestEngineJpeg::stripEncodeDecodesAsOnePiece()
 {
     QFETCH(QSize, size);
     QFETCH(QString, sampling);
     QFETCH(int, quality);
+    QFETCH(bool, progressive);
     QImage image = photo(size.width(), size.height());
     // Fine detail, so that a strip out of place shows in every block.
     for (int y = 0; y < size.height(); y += 3)
@@ -370,7 +378,9 @@ void TestEngineJpeg::stripEncodeDecodesAsOnePiece()
     const MMJpegHeader::Subsampling sub = grey ? MMJpegHeader::SubGray
         : sampling == "2x2" ? MMJpegHeader::Sub420 : sampling == "2x1" ? MMJpegHeader::Sub422 : MMJpegHeader::Sub444;
     const QString ours = path("strips.jpg"), ppm = path("strips.pnm"), theirs = path("strips-ref.jpg");
-    QVERIFY(writeBytes(ours, MMJpegCodec::encode(image, quality, sub, false)));
+    const QByteArray encoded = MMJpegCodec::encode(image, quality, sub, progressive);
+    QVERIFY(writeBytes(ours, encoded));
+    QCOMPARE(encoded.contains("\xFF\xC2"), progressive);
     QVERIFY(image.save(ppm, grey ? "PGM" : "PPM"));
     const QStringList colour = grey ? QStringList{ "-grayscale" } : QStringList{ "-sample", sampling };
     // TurboJPEG encodes with the fast DCT below quality 96.
