@@ -50,7 +50,7 @@ between() {
     END {
       if (t0 == "" || t1 == "" || (also != "" && t2 == "")) { print "NA"; exit }
       end = (also != "" && t2 > t1) ? t2 : t1
-      printf "%.0f", end - t0
+      printf "%.0f\n", end - t0
     }' "$1"
 }
 

@@ -106,6 +106,7 @@ struct Job
     J_COLOR_SPACE space;
     int bpp;
     Placement where;     // into the turned result, in target pixels
+    bool dcOnly = false; // progressive at 1/8: stop reading once DC is whole
 };
 
 // Opens the stream and starts a decompression as every part of job does it.
@@ -129,6 +130,29 @@ bool start(jpeg_decompress_struct &cinfo, const Job &job)
     return true;
 }
 
+// At 1/8 scale a pixel is its block's DC coefficient alone, so a
+// progressive stream need only be read until every component's DC is
+// whole; the AC refinement scans after that (the largest) are not read.
+// Block smoothing would guess AC from neighbours and is off.
+bool consumeUntilDcWhole(jpeg_decompress_struct &cinfo)
+{
+    for (;;) {
+        const int status = jpeg_consume_input(&cinfo);
+        if (status == JPEG_SUSPENDED)
+            return false;
+        if (status == JPEG_REACHED_EOI)
+            break;
+        if (status == JPEG_SCAN_COMPLETED) {
+            bool whole = true;
+            for (int c = 0; c < cinfo.num_components; ++c)
+                whole = whole && cinfo.coef_bits[c][0] == 0;
+            if (whole)
+                break;
+        }
+    }
+    return jpeg_start_output(&cinfo, cinfo.input_scan_number) == TRUE;
+}
+
 // Decodes target rows [firstOut, endOut) of job (all of the rect's rows when
 // not shrinking) and places them. Runs on its own decompressor, so that two
 // parts can run at once.
@@ -137,7 +161,22 @@ bool runPart(Decoder &d, const Job &job, int firstOut, int endOut)
     jpeg_decompress_struct &cinfo = d.cinfo;
     if (!start(cinfo, job))
         return false;
+    // Only when every component is reduced to 1 x 1 blocks: libjpeg may
+    // scale subsampled chroma by a larger inverse DCT instead of upsampling,
+    // and that reads AC coefficients.
+    bool dcOnly = job.dcOnly;
+    if (dcOnly) {
+        jpeg_calc_output_dimensions(&cinfo);
+        for (int c = 0; c < cinfo.num_components; ++c)
+            dcOnly = dcOnly && cinfo.comp_info[c].DCT_scaled_size == 1;
+    }
+    if (dcOnly) {
+        cinfo.buffered_image = TRUE;
+        cinfo.do_block_smoothing = FALSE;
+    }
     jpeg_start_decompress(&cinfo);
+    if (dcOnly && !consumeUntilDcWhole(cinfo))
+        return false;
     const QRect all(0, 0, int(cinfo.output_width), int(cinfo.output_height));
     const QRect &rect = job.rect;
     if (rect.isEmpty() || !all.contains(rect))
@@ -204,6 +243,8 @@ bool runPart(Decoder &d, const Job &job, int firstOut, int endOut)
         placeBand(job.where, bpp, d.shrunk.data(), ptrdiff_t(outStride), pendingFirst, pending, job.target.width());
     // Read to the end only when the part reaches it, so that a warning
     // there is still seen; rows below a region are of no concern.
+    if (dcOnly)
+        return jpeg_finish_output(&cinfo) == TRUE;
     if (row == all.height())
         jpeg_finish_decompress(&cinfo);
     return true;
@@ -285,6 +326,8 @@ QImage MMJpegRegionDecoder::decode(const QByteArray &jpeg, const QSize &storedSi
     if (out.isNull())
         return QImage();
     job.where = placement(out, orientation, job.target, job.bpp);
+    job.dcOnly = progressive && scaleDenom == 8
+        && rect == QRect(0, 0, (storedSize.width() + 7) / 8, (storedSize.height() + 7) / 8);
 
     // A baseline stream splits in two: the second part entropy-decodes the
     // first part's rows only to skip them (about half the cost of decoding

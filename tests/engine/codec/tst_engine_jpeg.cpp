@@ -34,6 +34,8 @@ private slots:
     void plannedSaveMatchesNaiveReplay();
     void shrinkWhileDecodingAveragesAreas_data();
     void shrinkWhileDecodingAveragesAreas();
+    void progressiveEighthReadsOnlyWhatItNeeds_data();
+    void progressiveEighthReadsOnlyWhatItNeeds();
     void stripEncodeDecodesAsOnePiece_data();
     void stripEncodeDecodesAsOnePiece();
 
@@ -41,6 +43,8 @@ private:
     QString path(const QString &name) const { return m_dir.filePath(name); }
     QString makeJpeg(const QImage &image, const QString &name, int quality);
     static int runCommands(const QString &in, const QString &out, const QString &commands);
+    // photo() with fine detail, so that a block or strip out of place shows.
+    static QImage detailedPhoto(const QSize &size);
     QTemporaryDir m_dir;
 };
 
@@ -58,6 +62,15 @@ QString TestEngineJpeg::makeJpeg(const QImage &image, const QString &name, int q
     image.save(ppm, "PPM");
     run("cjpeg", { "-quality", QString::number(quality), "-outfile", out, ppm });
     return out;
+}
+
+QImage TestEngineJpeg::detailedPhoto(const QSize &size)
+{
+    QImage image = photo(size.width(), size.height());
+    for (int y = 0; y < size.height(); y += 3)
+        for (int x = (y * 7) % 5; x < size.width(); x += 5)
+            image.setPixel(x, y, qRgb((x * 31) % 256, (y * 17) % 256, ((x + y) * 13) % 256));
+    return image;
 }
 
 int TestEngineJpeg::runCommands(const QString &in, const QString &out, const QString &commands)
@@ -339,6 +352,42 @@ void TestEngineJpeg::shrinkWhileDecodingAveragesAreas()
     QVERIFY2(worst <= 1, qPrintable(QString("worst difference %1").arg(worst)));
 }
 
+void TestEngineJpeg::progressiveEighthReadsOnlyWhatItNeeds_data()
+{
+    QTest::addColumn<QString>("colour");
+    QTest::addColumn<QSize>("size");
+    QTest::newRow("4:2:2") << "-sample 2x1" << QSize(1203, 901);
+    QTest::newRow("4:2:0") << "-sample 2x2" << QSize(640, 480);
+    QTest::newRow("grey") << "-grayscale" << QSize(333, 250);
+}
+
+// A whole progressive picture at 1/8 scale, read only until its DC is
+// whole, equals djpeg's decode of every scan at 1/8; a stream cut off
+// before then is refused.
+void TestEngineJpeg::progressiveEighthReadsOnlyWhatItNeeds()
+{
+    QFETCH(QString, colour);
+    QFETCH(QSize, size);
+    const QImage image = detailedPhoto(size);
+    const QString ppm = path("eighth.ppm"), jpeg = path("eighth.jpg");
+    QVERIFY(image.save(ppm, "PPM"));
+    QVERIFY(run("cjpeg", colour.split(' ') + QStringList{ "-progressive", "-quality", "95", "-outfile", jpeg, ppm }));
+    QByteArray reference;
+    QVERIFY(run("djpeg", { "-scale", "1/8", "-pnm", jpeg }, &reference));
+    const QImage expected = QImage::fromData(reference).convertToFormat(QImage::Format_RGB32);
+    const QRect whole(0, 0, (size.width() + 7) / 8, (size.height() + 7) / 8);
+    const QByteArray data = bytes(jpeg);
+
+    const QImage eighth = MMJpegRegionDecoder::decode(data, size, 8, whole, MMOrientation(), QImage::Format_RGB32);
+
+    QCOMPARE(eighth.convertToFormat(QImage::Format_RGB32), expected);
+    // Cut inside the first (DC) scan: damage, not a picture.
+    const int firstScan = data.indexOf("\xFF\xDA");
+    QVERIFY(firstScan > 0);
+    QVERIFY(MMJpegRegionDecoder::decode(data.left(firstScan + 40), size, 8, whole, MMOrientation(),
+                                        QImage::Format_RGB32).isNull());
+}
+
 void TestEngineJpeg::stripEncodeDecodesAsOnePiece_data()
 {
     QTest::addColumn<QSize>("size");
@@ -367,11 +416,7 @@ void TestEngineJpeg::stripEncodeDecodesAsOnePiece()
     QFETCH(QString, sampling);
     QFETCH(int, quality);
     QFETCH(bool, progressive);
-    QImage image = photo(size.width(), size.height());
-    // Fine detail, so that a strip out of place shows in every block.
-    for (int y = 0; y < size.height(); y += 3)
-        for (int x = (y * 7) % 5; x < size.width(); x += 5)
-            image.setPixel(x, y, qRgb((x * 31) % 256, (y * 17) % 256, ((x + y) * 13) % 256));
+    QImage image = detailedPhoto(size);
     const bool grey = sampling == "grey";
     if (grey)
         image = image.convertToFormat(QImage::Format_Grayscale8);
