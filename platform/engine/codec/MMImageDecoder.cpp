@@ -4,8 +4,13 @@
 #include "MMJpegRegionDecoder.h"
 #include <QFile>
 #include <QImageReader>
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
 
 namespace {
+// A reduced decode of a file this large gives its freed memory back.
+const qint64 kTrimAfterBytes = 4 * 1024 * 1024;
 // Qt's limit is in megabytes; allow four bytes a pixel at our largest size.
 const int kAllocationLimitMB = int(MMImageDecoder::MaxPixels * 4 / (1024 * 1024)) + 16;
 
@@ -35,11 +40,25 @@ QImage decodeJpegReduced(const QString &path, const MMImageHeader &header, const
         denom /= 2;
     if (scaled(denom).width() < want.width() || scaled(denom).height() < want.height())
         return QImage();
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return QImage();
-    return MMJpegRegionDecoder::decode(file.readAll(), stored, denom, QRect(QPoint(0, 0), scaled(denom)),
-                                       header.orientation(), QImage::Format_RGB32, uprightTarget);
+    QImage image;
+    qint64 bytes = 0;
+    {
+        QFile file(path);
+        if (!file.open(QIODevice::ReadOnly))
+            return QImage();
+        const QByteArray data = file.readAll();
+        bytes = data.size();
+        image = MMJpegRegionDecoder::decode(data, stored, denom, QRect(QPoint(0, 0), scaled(denom)),
+                                            header.orientation(), QImage::Format_RGB32, uprightTarget);
+    }
+#ifdef __GLIBC__
+    // The file and a progressive picture's coefficients (tens of MB) are
+    // freed into the heap, which glibc keeps; the editor then sits idle on a
+    // small preview, so give them back.
+    if (bytes >= kTrimAfterBytes)
+        malloc_trim(0);
+#endif
+    return image;
 }
 
 // Decodes path upright at uprightTarget, or at full size when that is
