@@ -43,11 +43,6 @@ BenchJob::BenchJob(int argc, char **argv)
     const std::string mode = argv[1];
     m_input = argv[2];
     m_output = argv[3];
-    if (mode == "preview") {
-        if (argc == 4)
-            m_mode = Preview;
-        return;
-    }
     if (mode != "save" && mode != "phases")
         return;
     if (argc < 5)
@@ -104,7 +99,6 @@ bool BenchJob::buildCommands(int w, int h)
 
 const char *BenchJob::usage()
 {
-    return "usage: vo-bench preview IN OUT\n"
-           "       vo-bench save IN OUT --rotate DEG | --crop-centre-half | --resize-half | --chain\n"
+    return "usage: vo-bench save IN OUT --rotate DEG | --crop-centre-half | --resize-half | --chain\n"
            "       vo-bench phases IN OUT (same options as save)\n";
 }

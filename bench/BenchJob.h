@@ -11,7 +11,7 @@ class MMCommand;
 class BenchJob
 {
 public:
-    enum Mode { Invalid, Preview, Save, Phases };
+    enum Mode { Invalid, Save, Phases };
 
     // Reads argv; mode() is Invalid when the arguments make no job.
     BenchJob(int argc, char **argv);
@@ -22,7 +22,7 @@ public:
     Mode mode() const { return m_mode; }
     const std::string &input() const { return m_input; }
     const std::string &output() const { return m_output; }
-    // The save's option ("--rotate", "--chain", ...); empty for a preview.
+    // The save's option ("--rotate", "--chain", ...).
     const std::string &name() const { return m_name; }
 
     // Builds the commands for a picture of upright size w x h; false when

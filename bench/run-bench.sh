@@ -1,7 +1,9 @@
 #!/usr/bin/env bash
-# Times the editor's image jobs (through vo-bench) side by side with common
-# command-line tools doing the same work, on a real 20-MP photo and a
-# synthetic 12-MP one, and prints medians and ratios.
+# Times the editor's image jobs (through vo-bench and vo-bench-preview) side
+# by side with common command-line tools doing the same work, on a real 20-MP
+# baseline photo, a real 17.9-MP progressive one (and a copy of it tagged
+# EXIF orientation 6) and a synthetic 12-MP one, and prints medians, ratios,
+# peak memory and the 50 % resize's PSNR against one reference resize.
 #
 #   bash bench/run-bench.sh            # RUNS=5 by default
 #   RUNS=9 bash bench/run-bench.sh
@@ -19,24 +21,26 @@ data="$build/bench-data"
 results="$build/bench-results"
 RUNS=${RUNS:-5}
 JOBS=${JOBS:-"preview rotate90 crop resize chain"}
-INPUTS=${INPUTS:-"kleiber20 synth12"}
+INPUTS=${INPUTS:-"kleiber20 elephants18 elephants18o6 synth12"}
 
 bash "$root/scripts/install-deps.sh"
 
 vobench="$build/bin/vo-bench"
-# REBUILD=1 also brings vo-bench and the engine libraries up to date.
-if [ ! -x "$vobench" ] || [ "${REBUILD:-0}" = 1 ]; then
+vopreview="$build/bin/vo-bench-preview"
+# REBUILD=1 also brings the benchmark programs and the libraries up to date.
+if [ ! -x "$vobench" ] || [ ! -x "$vopreview" ] || [ "${REBUILD:-0}" = 1 ]; then
   if [ ! -f "$build/CMakeCache.txt" ]; then
     cmake -S "$root" -B "$build" -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
   fi
-  cmake --build "$build" --target vo-bench -j"$(nproc)" >/dev/null
+  cmake --build "$build" --target vo-bench vo-bench-preview -j"$(nproc)" >/dev/null
 fi
 
 # The real ImageMagick, not a wrapper that may stand before it on PATH.
 IM=/usr/bin/convert
 IDENTIFY=/usr/bin/identify
 GTIME=/usr/bin/time
-for tool in "$IM" "$IDENTIFY" "$GTIME" jpegtran djpeg vips vipsthumbnail; do
+COMPARE=/usr/bin/compare
+for tool in "$IM" "$IDENTIFY" "$COMPARE" "$GTIME" jpegtran djpeg vips vipsthumbnail exiftool; do
   command -v "$tool" >/dev/null || { echo "run-bench: $tool is missing" >&2; exit 1; }
 done
 
@@ -59,9 +63,21 @@ if [ ! -s "$synth" ]; then
   mv "$synth.tmp.jpg" "$synth"
 fi
 
+# A real progressive photo (quality 100, 4:2:2, 16 MB), and a copy of it that
+# says "turn right to show": the editor decodes it turned, at no extra cost.
+elephants=/usr/share/backgrounds/mate/abstract/Elephants_5640x3172.jpg
+elephants6="$data/elephants-orientation6.jpg"
+if [ ! -s "$elephants6" ]; then
+  cp "$elephants" "$elephants6.tmp.jpg"
+  exiftool -q -overwrite_original -Orientation#=6 "$elephants6.tmp.jpg"
+  mv "$elephants6.tmp.jpg" "$elephants6"
+fi
+
 input_path() {
   case "$1" in
     kleiber20) echo "$kleiber" ;;
+    elephants18) echo "$elephants" ;;
+    elephants18o6) echo "$elephants6" ;;
     synth12) echo "$synth" ;;
     *) echo "run-bench: unknown input $1" >&2; exit 1 ;;
   esac
@@ -100,13 +116,15 @@ declare -A INFO
 describe_input() {
   local name=$1 path
   path=$(input_path "$name")
-  local w h q sf
-  read -r w h q sf < <("$IDENTIFY" -format '%w %h %Q %[jpeg:sampling-factor]\n' "$path")
+  local w h q sf il
+  read -r w h q sf il < <("$IDENTIFY" -format '%w %h %Q %[jpeg:sampling-factor] %[interlace]\n' "$path")
   sf=${sf%%,*} # luma factor, e.g. 2x1 for 4:2:2
   INFO[$name.w]=$w
   INFO[$name.h]=$h
   INFO[$name.q]=$q
   INFO[$name.sf]=$sf
+  INFO[$name.orientation]=$(exiftool -s3 -n -Orientation "$path" 2>/dev/null || true)
+  [ -n "${INFO[$name.orientation]}" ] || INFO[$name.orientation]=1
   if jpegtran -perfect -rotate 90 -outfile /dev/null "$path" 2>/dev/null; then
     INFO[$name.rot_perfect]=yes
   else
@@ -114,10 +132,16 @@ describe_input() {
   fi
   # Same quality as the input and chroma subsampled, as the editor's save
   # keeps them. vips can only subsample 4:2:0 (a little less work than 4:2:2).
-  local vq="Q=$q"
+  # A progressive source is saved progressive, by the editor and its peers.
+  local vq="Q=$q" im="-quality $q -sampling-factor $sf"
   [ "$sf" != "1x1" ] && vq="$vq,subsample-mode=on"
+  if [ "$il" = JPEG ]; then
+    vq="$vq,interlace"
+    im="$im -interlace JPEG"
+  fi
+  INFO[$name.progressive]=$([ "$il" = JPEG ] && echo yes || echo no)
   INFO[$name.vips]="$vq"
-  INFO[$name.im]="-quality $q -sampling-factor $sf"
+  INFO[$name.im]="$im"
 }
 
 build_commands() {
@@ -131,17 +155,25 @@ build_commands() {
   local rw=$h rh=$w
   local kw=$((rw / 2)) kh=$((rh / 2)) kx=$((rw / 4)) ky=$((rh / 4))
 
-  CMDS[$name.preview]="vo-bench	$vobench preview $path $o-vo-preview.jpg
+  CMDS[$name.preview]="vo-bench	$vopreview $path $o-vo-preview.jpg
 vipsthumbnail	vipsthumbnail $path -s 480x640 -o '$o-vt-preview.jpg[Q=92]'
 convert	$IM $path -resize 480x640 -quality 92 $o-im-preview.jpg
 convert+hint	$IM -define jpeg:size=960x1280 $path -resize 480x640 -quality 92 $o-imh-preview.jpg
 djpeg-1/8	djpeg -scale 1/8 -outfile /dev/null $path
 cp	cp $path $o-cp.jpg"
 
+  # A file tagged orientation 6 is shown turned right already: the editor's
+  # quarter turn of what it shows is a half turn of the stored pixels, and
+  # that is what the peers are given (ImageMagick turns it upright itself).
+  local turn=90 imturn="-rotate 90"
+  if [ "${INFO[$name.orientation]}" = 6 ]; then
+    turn=180
+    imturn="-auto-orient -rotate 90"
+  fi
   CMDS[$name.rotate90]="vo-bench	$vobench save $path $o-vo-rot.jpg --rotate 90
-jpegtran	jpegtran -copy all -rotate 90 -outfile $o-jt-rot.jpg $path
-vips	vips rot $path '$o-vips-rot.jpg[$vq]' d90
-convert	$IM $path -rotate 90 $im $o-im-rot.jpg"
+jpegtran	jpegtran -copy all -rotate $turn -outfile $o-jt-rot.jpg $path
+vips	vips rot $path '$o-vips-rot.jpg[$vq]' d$turn
+convert	$IM $path $imturn $im $o-im-rot.jpg"
 
   CMDS[$name.crop]="vo-bench	$vobench save $path $o-vo-crop.jpg --crop-centre-half
 jpegtran	jpegtran -copy all -crop ${cw}x${ch}+${cx}+${cy} -outfile $o-jt-crop.jpg $path
@@ -158,6 +190,18 @@ convert	$IM $path -resize 50% $im $o-im-resize.jpg"
   CMDS[$name.chain]="vo-bench	$vobench save $path $o-vo-chain.jpg --chain
 vips	sh -c 'vips rot $path $v-1.v d90 && vips flip $v-1.v $v-2.v horizontal && vips crop $v-2.v $v-3.v $kx $ky $kw $kh && vips resize $v-3.v \"$o-vips-chain.jpg[$vq]\" 0.5; s=\$?; rm -f $v-1.v $v-2.v $v-3.v; exit \$s'
 convert	$IM $path -rotate 90 -flop -crop ${kw}x${kh}+${kx}+${ky} +repage -resize 50% $im $o-im-chain.jpg"
+}
+
+# The jobs of an input: on a file with an EXIF turn only those whose peers
+# can be given the same picture (the preview and the quarter turn).
+jobs_for() {
+  local job
+  for job in $JOBS; do
+    if [ "${INFO[$1.orientation]}" != 1 ] && [ "$job" != preview ] && [ "$job" != rotate90 ]; then
+      continue
+    fi
+    printf '%s ' "$job"
+  done
 }
 
 run_job() {
@@ -202,13 +246,32 @@ echo "runs: $RUNS; inputs: $INPUTS; jobs: $JOBS"
 for ((run = 0; run <= RUNS; run++)); do
   [ "$run" -eq 0 ] && echo "warm-up" || echo "iteration $run/$RUNS"
   for name in $INPUTS; do
-    for job in $JOBS; do
+    for job in $(jobs_for "$name"); do
       run_job "$name" "$job" "$run"
     done
   done
 done
 
 load_after=$(cut -d' ' -f1-3 /proc/loadavg)
+
+# Resize quality: every tool's 50 % result (as saved, JPEG loss included)
+# against one reference made the same way for all: ImageMagick's Lanczos
+# resize of the full decode to that result's own size.
+quality_note=""
+for name in $INPUTS; do
+  case " $(jobs_for "$name") " in *" resize "*) ;; *) continue ;; esac
+  path=$(input_path "$name")
+  for out in "$work/$name-vo-resize.jpg" "$work/$name-vips-resize.jpg" "$work/$name-im-resize.jpg"; do
+    [ -s "$out" ] || continue
+    size=$("$IDENTIFY" -format '%wx%h' "$out")
+    ref="$work/$name-ref-$size.png"
+    [ -s "$ref" ] || "$IM" "$path" -filter Lanczos -resize "$size!" "$ref"
+    psnr=$("$COMPARE" -metric PSNR "$ref" "$out" null: 2>&1 || true)
+    tool=$(basename "$out" .jpg); tool=${tool#"$name-"}; tool=${tool%-resize}
+    case $tool in vo) tool=vo-bench ;; im) tool=convert ;; esac
+    quality_note+="$name,$tool,$size,$psnr"$'\n'
+  done
+done
 
 # ---- summary ----------------------------------------------------------------
 # Medians per input, job and tool; then vo-bench's ratio to each peer and the
@@ -221,6 +284,16 @@ load_after=$(cut -d' ' -f1-3 /proc/loadavg)
   echo "lossless eligibility:"
   printf '%s' "$lossless_note"
   echo
+  if [ -n "$quality_note" ]; then
+    echo "resize 50 % quality: PSNR (dB) of the saved result against a Lanczos resize of the full decode, and median wall time:"
+    printf '%s' "$quality_note" | while IFS=, read -r qn qt qs qp; do
+      [ -n "$qn" ] || continue
+      qw=$(awk -F, -v n="$qn" -v t="$qt" '$1 == n && $2 == "resize" && $3 == t { print $5 }' "$csv" | sort -n |
+        awk '{ v[NR] = $1 } END { if (NR) printf "%.3f", NR % 2 ? v[(NR + 1) / 2] : (v[NR / 2] + v[NR / 2 + 1]) / 2 }')
+      printf '  %-14s %-9s %-10s PSNR %6.2f dB  wall %s s\n' "$qn" "$qt" "$qs" "$qp" "$qw"
+    done
+    echo
+  fi
   awk -F, -v perfect="$(for n in $INPUTS; do printf '%s=%s ' "$n" "${INFO[$n.rot_perfect]}"; done)" '
     # Sorts the values of key into s[1..n]; returns n.
     function sorted(key, s,    n, i, j, t) {
@@ -250,12 +323,12 @@ load_after=$(cut -d' ' -f1-3 /proc/loadavg)
         W[g] = median(g SUBSEP "w"); C[g] = median(g SUBSEP "c"); M[g] = median(g SUBSEP "m")
         L[g] = lowest(g SUBSEP "w"); H[g] = highest(g SUBSEP "w")
       }
-      printf "%-10s %-9s %-13s %9s %15s %7s %8s %10s %10s %s\n", "input", "job", "tool", "wall s", "(min-max)", "cpu s", "RSS MB", "vo/peer t", "vo/peer m", ""
+      printf "%-14s %-9s %-13s %9s %15s %7s %8s %10s %10s %s\n", "input", "job", "tool", "wall s", "(min-max)", "cpu s", "RSS MB", "vo/peer t", "vo/peer m", ""
       for (i = 1; i <= ng; i++) {
         g = order[i]; split(g, k, SUBSEP); vo = k[1] SUBSEP k[2] SUBSEP "vo-bench"
         rt = (k[3] == "vo-bench" || W[g] == 0) ? "" : sprintf("%.2f", W[vo] / W[g])
         rm = (k[3] == "vo-bench" || M[g] == 0) ? "" : sprintf("%.2f", M[vo] / M[g])
-        printf "%-10s %-9s %-13s %9.3f %15s %7.2f %8.1f %10s %10s %s\n", k[1], k[2], k[3], W[g], sprintf("(%.3f-%.3f)", L[g], H[g]), C[g], M[g] / 1024, rt, rm, (g in fails) ? "FAILED x" fails[g] : ""
+        printf "%-14s %-9s %-13s %9.3f %15s %7.2f %8.1f %10s %10s %s\n", k[1], k[2], k[3], W[g], sprintf("(%.3f-%.3f)", L[g], H[g]), C[g], M[g] / 1024, rt, rm, (g in fails) ? "FAILED x" fails[g] : ""
       }
       print ""
       print "targets (vo-bench median wall / limit; RSS against vips on the same job):"
@@ -266,19 +339,19 @@ load_after=$(cut -d' ' -f1-3 /proc/loadavg)
         if (job == "preview") {
           base = W[in_ SUBSEP job SUBSEP "djpeg-1/8"] + W[in_ SUBSEP job SUBSEP "cp"]
           lim = 1.5 * base
-          printf "  %-10s %-9s time %.3f s vs 1.5 x (djpeg 1/8 + cp) = %.3f s: %.2fx of limit %s\n", in_, job, W[vo], lim, W[vo] / lim, W[vo] <= lim ? "MET" : "MISSED"
+          printf "  %-14s %-9s time %.3f s vs 1.5 x (djpeg 1/8 + cp) = %.3f s: %.2fx of limit %s\n", in_, job, W[vo], lim, W[vo] / lim, W[vo] <= lim ? "MET" : "MISSED"
           vt = in_ SUBSEP job SUBSEP "vipsthumbnail"
-          printf "  %-10s %-9s RSS  %.1f MB vs vipsthumbnail %.1f MB: %.2fx %s\n", in_, job, M[vo] / 1024, M[vt] / 1024, M[vo] / M[vt], M[vo] <= M[vt] ? "MET" : "MISSED"
+          printf "  %-14s %-9s RSS  %.1f MB vs vipsthumbnail %.1f MB: %.2fx %s\n", in_, job, M[vo] / 1024, M[vt] / 1024, M[vo] / M[vt], M[vo] <= M[vt] ? "MET" : "MISSED"
           continue
         }
         if (job == "rotate90" && ok[in_] == "yes") {
           jt = in_ SUBSEP job SUBSEP "jpegtran"
-          printf "  %-10s %-9s time %.3f s vs jpegtran %.3f s (lossless job): %.2fx %s\n", in_, job, W[vo], W[jt], W[vo] / W[jt], W[vo] <= W[jt] ? "MET" : "MISSED"
+          printf "  %-14s %-9s time %.3f s vs jpegtran %.3f s (lossless job): %.2fx %s\n", in_, job, W[vo], W[jt], W[vo] / W[jt], W[vo] <= W[jt] ? "MET" : "MISSED"
           continue
         }
         vp = in_ SUBSEP job SUBSEP "vips"
-        printf "  %-10s %-9s time %.3f s vs vips %.3f s (lossy job): %.2fx %s\n", in_, job, W[vo], W[vp], W[vo] / W[vp], W[vo] <= W[vp] ? "MET" : "MISSED"
-        printf "  %-10s %-9s RSS  %.1f MB vs vips %.1f MB: %.2fx %s\n", in_, job, M[vo] / 1024, M[vp] / 1024, M[vo] / M[vp], M[vo] <= M[vp] ? "MET" : "MISSED"
+        printf "  %-14s %-9s time %.3f s vs vips %.3f s (lossy job): %.2fx %s\n", in_, job, W[vo], W[vp], W[vo] / W[vp], W[vo] <= W[vp] ? "MET" : "MISSED"
+        printf "  %-14s %-9s RSS  %.1f MB vs vips %.1f MB: %.2fx %s\n", in_, job, M[vo] / 1024, M[vp] / 1024, M[vo] / M[vp], M[vo] <= M[vp] ? "MET" : "MISSED"
       }
     }' "$csv"
   # Where the time and memory of each save go, step by step (one untimed
@@ -286,7 +359,7 @@ load_after=$(cut -d' ' -f1-3 /proc/loadavg)
   echo
   echo "vo-bench phases (one replay of each save, engine steps in the runner's order):"
   for name in $INPUTS; do
-    for job in $JOBS; do
+    for job in $(jobs_for "$name"); do
       case $job in
         rotate90) opt=(--rotate 90) ;;
         crop) opt=(--crop-centre-half) ;;

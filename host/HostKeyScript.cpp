@@ -103,7 +103,9 @@ void HostKeyScript::step()
             for (const QChar c : s.mid(5))
                 sendKey(Qt::Key_unknown, QString(c));
         } else {
+            emit keyPressing(s);
             sendKey(keyFromName(s), QString());
+            emit keyReturned(s);
         }
         // Let the key's consequences (posted events, repaints) settle first.
         ++m_pendingShots;

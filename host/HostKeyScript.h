@@ -29,6 +29,10 @@ public:
 
 signals:
     void finished();
+    // Around each key sent: before its press, and once its release has
+    // been handled (a key whose work runs inside its handler returns late).
+    void keyPressing(const QString &name);
+    void keyReturned(const QString &name);
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;

@@ -1,9 +1,10 @@
 // vo-viewer: a small picture viewer that launches the image editor.
 //   vo-viewer [--edit] [--screen WxH] [--keys "K1 K2 ..."] [--key-delay MS]
-//             [--shots DIR] [--quit-when-closed] FILE
+//             [--shots DIR] [--quit-when-closed] [--trace LOG] FILE
 
 #include "HostEditorLibrary.h"
 #include "HostKeyScript.h"
+#include "HostTrace.h"
 #include "HostViewer.h"
 
 #include <QApplication>
@@ -13,6 +14,7 @@
 #include <QTimer>
 
 #include <cstdio>
+#include <memory>
 
 int main(int argc, char *argv[])
 {
@@ -37,7 +39,10 @@ int main(int argc, char *argv[])
                                    QStringLiteral("dir"));
     const QCommandLineOption quit(QStringLiteral("quit-when-closed"),
                                   QStringLiteral("Exit once the editor has closed and been released."));
-    parser.addOptions({edit, screen, keys, delay, shots, quit});
+    const QCommandLineOption trace(QStringLiteral("trace"),
+                                   QStringLiteral("Log keys, windows shown and painted, and saves of FILE, with times."),
+                                   QStringLiteral("log"));
+    parser.addOptions({edit, screen, keys, delay, shots, quit, trace});
     parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("The picture."));
     parser.process(app);
 
@@ -57,6 +62,16 @@ int main(int argc, char *argv[])
         return 1;
     }
 
+    // Before the viewer, so that its first window is seen too.
+    std::unique_ptr<HostTrace> tracer;
+    if (parser.isSet(trace)) {
+        tracer = std::make_unique<HostTrace>(parser.value(trace), file);
+        if (!tracer->isOpen()) {
+            std::fprintf(stderr, "vo-viewer: cannot write %s\n", qPrintable(parser.value(trace)));
+            return 2;
+        }
+    }
+
     HostViewer viewer(file, &library);
     viewer.show();
     viewer.activateWindow();
@@ -71,6 +86,12 @@ int main(int argc, char *argv[])
         });
     }
 
+    if (tracer) {
+        QObject::connect(&script, &HostKeyScript::keyPressing, tracer.get(),
+                         [&](const QString &name) { tracer->log("key " + name); });
+        QObject::connect(&script, &HostKeyScript::keyReturned, tracer.get(),
+                         [&](const QString &name) { tracer->log("returned " + name); });
+    }
     QString error;
     if (!script.parse(&error)) {
         std::fprintf(stderr, "vo-viewer: %s\n", qPrintable(error));

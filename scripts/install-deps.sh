@@ -10,7 +10,7 @@ PACKAGES=(
   libturbojpeg0-dev libjpeg62-turbo-dev libexiv2-dev
   libjpeg-turbo-progs imagemagick libvips-tools libimage-exiftool-perl
   xvfb xauth fonts-dejavu-core
-  lomiri-wallpapers-20.04
+  lomiri-wallpapers-20.04 mate-backgrounds
   time
   inotify-tools
 )

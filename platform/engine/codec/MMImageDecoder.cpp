@@ -1,10 +1,16 @@
 #include "MMImageDecoder.h"
 #include "MMImageHeader.h"
 #include "MMJpegCodec.h"
+#include "MMJpegRegionDecoder.h"
 #include <QFile>
 #include <QImageReader>
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
 
 namespace {
+// A reduced decode of a file this large gives its freed memory back.
+const qint64 kTrimAfterBytes = 4 * 1024 * 1024;
 // Qt's limit is in megabytes; allow four bytes a pixel at our largest size.
 const int kAllocationLimitMB = int(MMImageDecoder::MaxPixels * 4 / (1024 * 1024)) + 16;
 
@@ -18,6 +24,41 @@ QSize fitWithin(const QSize &size, const QSize &bound)
     else
         fitted = QSize(bound.width(), int((qint64(size.height()) * bound.width() + size.width() / 2) / size.width()));
     return fitted.expandedTo(QSize(1, 1));
+}
+
+// A reduced JPEG: libjpeg's DCT scaling to the smallest scale still at
+// least target (as Qt's reader picks it), then an area average down to
+// target, turned while decoded. Null when the picture would have to grow or
+// libjpeg reports damage (Qt's reader then shows what it can of it).
+QImage decodeJpegReduced(const QString &path, const MMImageHeader &header, const QSize &uprightTarget)
+{
+    const QSize stored = header.storedSize();
+    const QSize want = header.orientation().map(uprightTarget);
+    int denom = 8;
+    auto scaled = [&stored](int d) { return QSize((stored.width() + d - 1) / d, (stored.height() + d - 1) / d); };
+    while (denom > 1 && (scaled(denom).width() < want.width() || scaled(denom).height() < want.height()))
+        denom /= 2;
+    if (scaled(denom).width() < want.width() || scaled(denom).height() < want.height())
+        return QImage();
+    QImage image;
+    qint64 bytes = 0;
+    {
+        QFile file(path);
+        if (!file.open(QIODevice::ReadOnly))
+            return QImage();
+        const QByteArray data = file.readAll();
+        bytes = data.size();
+        image = MMJpegRegionDecoder::decode(data, stored, denom, QRect(QPoint(0, 0), scaled(denom)),
+                                            header.orientation(), QImage::Format_RGB32, uprightTarget);
+    }
+#ifdef __GLIBC__
+    // The file and a progressive picture's coefficients (tens of MB) are
+    // freed into the heap, which glibc keeps; the editor then sits idle on a
+    // small preview, so give them back.
+    if (bytes >= kTrimAfterBytes)
+        malloc_trim(0);
+#endif
+    return image;
 }
 
 // Decodes path upright at uprightTarget, or at full size when that is
@@ -42,6 +83,12 @@ QImage load(const QString &path, const MMImageHeader &header, const QSize &uprig
         if (image.size() != header.storedSize())
             return QImage();
         return orientation.apply(image);
+    }
+
+    if (header.format() == MM_FORMAT_JPEG && (components == 1 || components == 3)) {
+        const QImage reduced = decodeJpegReduced(path, header, uprightTarget);
+        if (!reduced.isNull())
+            return reduced;
     }
 
     QImageReader reader(path, header.qtFormat());

@@ -1,4 +1,6 @@
 #include "MMJpegCodec.h"
+#include "MMJpegProgressiveEncoder.h"
+#include "MMJpegStripEncoder.h"
 #include <QPainter>
 #include <limits>
 #include <turbojpeg.h>
@@ -109,6 +111,20 @@ QByteArray MMJpegCodec::encode(const QImage &image, int quality, MMJpegHeader::S
     if (pixels.isNull())
         return QByteArray();
 
+    if (progressive && pixelFormat != TJPF_GRAY) {
+        // Large progressive pictures: luma and chroma scans on two threads.
+        QByteArray joined = MMJpegProgressiveEncoder::encode(pixels, qBound(1, quality, 100), int(subsampling));
+        if (!joined.isEmpty())
+            return joined;
+    }
+    if (!progressive) {
+        // Large baseline pictures: two threads, each on its own strips.
+        QByteArray joined = MMJpegStripEncoder::encode(pixels.constBits(), pixels.width(), int(pixels.bytesPerLine()),
+                                                       pixels.height(), pixelFormat, int(subsampling),
+                                                       qBound(1, quality, 100));
+        if (!joined.isEmpty())
+            return joined;
+    }
     TjHandle tj(tjInitCompress());
     if (!tj.handle)
         return QByteArray();

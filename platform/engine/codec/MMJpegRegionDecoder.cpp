@@ -1,7 +1,11 @@
 #include "MMJpegRegionDecoder.h"
+#include "MMAreaScaler.h"
+#include "MMJpegErrorJump.h"
 #include <csetjmp>
 #include <cstdio>
 #include <cstring>
+#include <memory>
+#include <thread>
 #include <vector>
 // clang-format off
 #include <jpeglib.h>
@@ -10,23 +14,16 @@
 
 namespace {
 const int kBandRows = 16;
-
-struct ErrorManager
-{
-    jpeg_error_mgr pub;
-    std::jmp_buf jump;
-};
-
-[[noreturn]] void onError(j_common_ptr cinfo)
-{
-    std::longjmp(reinterpret_cast<ErrorManager *>(cinfo->err)->jump, 1);
-}
+// Below this many pixels a second decoder is not worth its start.
+const qint64 kSplitPixels = 1 << 20;
+// Share of the rows the first of two parts decodes (see decode()).
+const double kFirstPartShare = 0.62;
 
 void onMessage(j_common_ptr cinfo, int level)
 {
     // Stray bytes between segments are common in camera files and harm nothing.
     if (level < 0 && cinfo->err->msg_code != JWRN_EXTRANEOUS_DATA)
-        std::longjmp(reinterpret_cast<ErrorManager *>(cinfo->err)->jump, 1);
+        MMJpegErrorJump::onError(cinfo);
 }
 
 // Everything that must outlive a longjmp out of libjpeg; no object with a
@@ -34,9 +31,10 @@ void onMessage(j_common_ptr cinfo, int level)
 struct Decoder
 {
     jpeg_decompress_struct cinfo;
-    ErrorManager error;
+    MMJpegErrorJump error;
     std::vector<unsigned char> band;
-    QImage out;
+    std::vector<unsigned char> shrunk;
+    std::unique_ptr<MMAreaScaler> scaler;
 };
 
 // Where pixel (x, y) of the decoded region goes: out + x * stepX + y * stepY.
@@ -66,6 +64,16 @@ void place(const Placement &p, const unsigned char *src, ptrdiff_t srcStride, in
             std::memcpy(p.origin + (firstRow + r) * p.stepY, src + r * srcStride, size_t(width) * Bpp);
         return;
     }
+    if (p.stepX == -Bpp) {
+        // Mirrored rows (half turns, flips): still row by row.
+        for (int r = 0; r < rows; ++r) {
+            unsigned char *dst = p.origin + (firstRow + r) * p.stepY;
+            const unsigned char *s = src + r * srcStride;
+            for (int x = 0; x < width; ++x, dst -= Bpp, s += Bpp)
+                std::memcpy(dst, s, Bpp);
+        }
+        return;
+    }
     // Column by column: each source column of the band lands as a short
     // run of neighbouring destination pixels, which keeps turned writes
     // within a few cache lines.
@@ -87,39 +95,90 @@ void placeBand(const Placement &p, int bpp, const unsigned char *src, ptrdiff_t 
     }
 }
 
-bool run(Decoder &d, const QByteArray &jpeg, const QSize &storedSize, int denom, const QRect &rect,
-         const MMOrientation &orientation, QImage::Format format)
+// What every part of one decode shares; read-only while the parts run.
+struct Job
 {
-    jpeg_decompress_struct &cinfo = d.cinfo;
-    jpeg_mem_src(&cinfo, reinterpret_cast<const unsigned char *>(jpeg.constData()), (unsigned long)jpeg.size());
+    const QByteArray *jpeg;
+    QSize storedSize;
+    int denom;
+    QRect rect;          // in units of the scaled decode
+    QSize target;        // rect.size(), or smaller when shrinking while decoding
+    J_COLOR_SPACE space;
+    int bpp;
+    Placement where;     // into the turned result, in target pixels
+    bool dcOnly = false; // progressive at 1/8: stop reading once DC is whole
+};
+
+// Opens the stream and starts a decompression as every part of job does it.
+// False when the stream is not the picture the header promised.
+bool start(jpeg_decompress_struct &cinfo, const Job &job)
+{
+    jpeg_mem_src(&cinfo, reinterpret_cast<const unsigned char *>(job.jpeg->constData()),
+                 (unsigned long)job.jpeg->size());
     if (jpeg_read_header(&cinfo, TRUE) != JPEG_HEADER_OK)
         return false;
-    if (int(cinfo.image_width) != storedSize.width() || int(cinfo.image_height) != storedSize.height())
+    if (int(cinfo.image_width) != job.storedSize.width() || int(cinfo.image_height) != job.storedSize.height())
         return false;
     const bool grey = cinfo.jpeg_color_space == JCS_GRAYSCALE && cinfo.num_components == 1;
     if (!grey && cinfo.num_components != 3)
         return false;
+    if ((job.space == JCS_GRAYSCALE) != grey)
+        return false;
     cinfo.scale_num = 1;
-    cinfo.scale_denom = (unsigned int)denom;
-    int bpp;
-    if (grey) {
-        cinfo.out_color_space = JCS_GRAYSCALE;
-        format = QImage::Format_Grayscale8;
-        bpp = 1;
-    } else if (format == QImage::Format_RGB888) {
-        cinfo.out_color_space = JCS_EXT_RGB;
-        bpp = 3;
-    } else {
-        format = QImage::Format_RGB32;
-#if Q_BYTE_ORDER == Q_LITTLE_ENDIAN
-        cinfo.out_color_space = JCS_EXT_BGRX;
-#else
-        cinfo.out_color_space = JCS_EXT_XRGB;
-#endif
-        bpp = 4;
+    cinfo.scale_denom = (unsigned int)job.denom;
+    cinfo.out_color_space = job.space;
+    return true;
+}
+
+// At 1/8 scale a pixel is its block's DC coefficient alone, so a
+// progressive stream need only be read until every component's DC is
+// whole; the AC refinement scans after that (the largest) are not read.
+// Block smoothing would guess AC from neighbours and is off.
+bool consumeUntilDcWhole(jpeg_decompress_struct &cinfo)
+{
+    for (;;) {
+        const int status = jpeg_consume_input(&cinfo);
+        if (status == JPEG_SUSPENDED)
+            return false;
+        if (status == JPEG_REACHED_EOI)
+            break;
+        if (status == JPEG_SCAN_COMPLETED) {
+            bool whole = true;
+            for (int c = 0; c < cinfo.num_components; ++c)
+                whole = whole && cinfo.coef_bits[c][0] == 0;
+            if (whole)
+                break;
+        }
+    }
+    return jpeg_start_output(&cinfo, cinfo.input_scan_number) == TRUE;
+}
+
+// Decodes target rows [firstOut, endOut) of job (all of the rect's rows when
+// not shrinking) and places them. Runs on its own decompressor, so that two
+// parts can run at once.
+bool runPart(Decoder &d, const Job &job, int firstOut, int endOut)
+{
+    jpeg_decompress_struct &cinfo = d.cinfo;
+    if (!start(cinfo, job))
+        return false;
+    // Only when every component is reduced to 1 x 1 blocks: libjpeg may
+    // scale subsampled chroma by a larger inverse DCT instead of upsampling,
+    // and that reads AC coefficients.
+    bool dcOnly = job.dcOnly;
+    if (dcOnly) {
+        jpeg_calc_output_dimensions(&cinfo);
+        for (int c = 0; c < cinfo.num_components; ++c)
+            dcOnly = dcOnly && cinfo.comp_info[c].DCT_scaled_size == 1;
+    }
+    if (dcOnly) {
+        cinfo.buffered_image = TRUE;
+        cinfo.do_block_smoothing = FALSE;
     }
     jpeg_start_decompress(&cinfo);
+    if (dcOnly && !consumeUntilDcWhole(cinfo))
+        return false;
     const QRect all(0, 0, int(cinfo.output_width), int(cinfo.output_height));
+    const QRect &rect = job.rect;
     if (rect.isEmpty() || !all.contains(rect))
         return false;
 
@@ -131,24 +190,31 @@ bool run(Decoder &d, const QByteArray &jpeg, const QSize &storedSize, int denom,
     JDIMENSION width = JDIMENSION(qMin(rect.x() + rect.width() + 1, all.width())) - xoffset;
     if (width < cinfo.output_width)
         jpeg_crop_scanline(&cinfo, &xoffset, &width);
+    const int bpp = job.bpp;
     const int column = (rect.x() - int(xoffset)) * bpp;
-
-    d.out = QImage(orientation.map(rect.size()), format);
-    if (d.out.isNull())
-        return false;
-    const Placement where = placement(d.out, orientation, rect.size(), bpp);
     const size_t stride = size_t(cinfo.output_width) * cinfo.output_components;
     d.band.resize(stride * kBandRows);
     JSAMPROW rows[kBandRows];
     for (int i = 0; i < kBandRows; ++i)
         rows[i] = d.band.data() + i * stride;
 
-    int row = rect.y();
+    const bool shrink = job.target != rect.size();
+    int first = firstOut, end = endOut;
+    if (shrink)
+        MMAreaScaler::sourceRows(rect.height(), job.target.height(), firstOut, endOut, &first, &end);
+    const size_t outStride = size_t(job.target.width()) * bpp;
+    int pending = 0, pendingFirst = firstOut; // shrunk rows waiting in d.shrunk
+    if (shrink) {
+        d.scaler = std::make_unique<MMAreaScaler>(rect.size(), job.target, bpp, firstOut, endOut);
+        d.shrunk.resize(outStride * kBandRows);
+    }
+
+    int row = rect.y() + first;
     if (row > 0 && int(jpeg_skip_scanlines(&cinfo, JDIMENSION(row))) != row)
         return false;
-    const int end = rect.y() + rect.height();
-    while (row < end) {
-        const int want = qMin(kBandRows, end - row);
+    const int stop = rect.y() + end;
+    while (row < stop) {
+        const int want = qMin(kBandRows, stop - row);
         int got = 0;
         while (got < want) {
             const int n = int(jpeg_read_scanlines(&cinfo, rows + got, JDIMENSION(want - got)));
@@ -156,32 +222,126 @@ bool run(Decoder &d, const QByteArray &jpeg, const QSize &storedSize, int denom,
                 return false;
             got += n;
         }
-        placeBand(where, bpp, d.band.data() + column, ptrdiff_t(stride), row - rect.y(), got, rect.width());
+        if (!shrink) {
+            placeBand(job.where, bpp, d.band.data() + column, ptrdiff_t(stride), row - rect.y(), got, rect.width());
+        } else {
+            for (int i = 0; i < got; ++i) {
+                d.scaler->push(row - rect.y() + i, rows[i] + column, [&](int j) {
+                    if (pending == kBandRows) {
+                        placeBand(job.where, bpp, d.shrunk.data(), ptrdiff_t(outStride), pendingFirst, pending,
+                                  job.target.width());
+                        pendingFirst = j;
+                        pending = 0;
+                    }
+                    return d.shrunk.data() + outStride * size_t(pending++);
+                });
+            }
+        }
         row += got;
     }
-    // Read to the end only when the region reaches it, so that a warning
+    if (pending > 0)
+        placeBand(job.where, bpp, d.shrunk.data(), ptrdiff_t(outStride), pendingFirst, pending, job.target.width());
+    // Read to the end only when the part reaches it, so that a warning
     // there is still seen; rows below a region are of no concern.
+    if (dcOnly)
+        return jpeg_finish_output(&cinfo) == TRUE;
     if (row == all.height())
         jpeg_finish_decompress(&cinfo);
     return true;
 }
-}
 
-QImage MMJpegRegionDecoder::decode(const QByteArray &jpeg, const QSize &storedSize, int scaleDenom, const QRect &rect,
-                                   const MMOrientation &orientation, QImage::Format format)
+// Runs body on d's fresh decompressor; false when body does or libjpeg
+// gives up. body must not own anything a longjmp out of it would leak.
+template <class Body> bool withDecoder(Decoder &d, Body body)
 {
-    if (jpeg.isEmpty() || (scaleDenom != 1 && scaleDenom != 2 && scaleDenom != 4 && scaleDenom != 8))
-        return QImage();
-    Decoder d;
-    d.cinfo.err = jpeg_std_error(&d.error.pub);
-    d.error.pub.error_exit = onError;
-    d.error.pub.emit_message = onMessage;
+    d.error.install(reinterpret_cast<j_common_ptr>(&d.cinfo), onMessage);
     jpeg_create_decompress(&d.cinfo);
     if (setjmp(d.error.jump)) {
         jpeg_destroy_decompress(&d.cinfo);
-        return QImage();
+        return false;
     }
-    const bool ok = run(d, jpeg, storedSize, scaleDenom, rect, orientation, format);
+    const bool ok = body();
     jpeg_destroy_decompress(&d.cinfo);
-    return ok ? std::move(d.out) : QImage();
+    return ok;
+}
+
+// Runs part of job on a decompressor of its own, out of reach of a longjmp
+// from any other.
+bool decodePart(const Job &job, int firstOut, int endOut)
+{
+    Decoder d;
+    return withDecoder(d, [&] { return runPart(d, job, firstOut, endOut); });
+}
+
+// Reads the header as the parts will: whether the picture is grey and
+// whether it is progressive. False when it is neither grey nor 3-component.
+bool probe(Job &job, bool *grey, bool *progressive)
+{
+    Decoder d;
+    return withDecoder(d, [&] {
+        jpeg_mem_src(&d.cinfo, reinterpret_cast<const unsigned char *>(job.jpeg->constData()),
+                     (unsigned long)job.jpeg->size());
+        if (jpeg_read_header(&d.cinfo, TRUE) != JPEG_HEADER_OK)
+            return false;
+        *grey = d.cinfo.jpeg_color_space == JCS_GRAYSCALE && d.cinfo.num_components == 1;
+        *progressive = d.cinfo.progressive_mode;
+        return *grey || d.cinfo.num_components == 3;
+    });
+}
+}
+
+QImage MMJpegRegionDecoder::decode(const QByteArray &jpeg, const QSize &storedSize, int scaleDenom, const QRect &rect,
+                                   const MMOrientation &orientation, QImage::Format format, const QSize &shrinkTo)
+{
+    if (jpeg.isEmpty() || (scaleDenom != 1 && scaleDenom != 2 && scaleDenom != 4 && scaleDenom != 8)
+        || rect.isEmpty())
+        return QImage();
+    Job job{ &jpeg, storedSize, scaleDenom, rect, rect.size(), JCS_UNKNOWN, 0, {} };
+    if (shrinkTo.isValid()) {
+        // The turned size the caller wants, in stored orientation.
+        job.target = orientation.map(shrinkTo);
+        if (job.target.isEmpty() || job.target.width() > rect.width() || job.target.height() > rect.height())
+            return QImage();
+    }
+    bool grey = false, progressive = false;
+    if (!probe(job, &grey, &progressive))
+        return QImage();
+    if (grey) {
+        job.space = JCS_GRAYSCALE;
+        format = QImage::Format_Grayscale8;
+        job.bpp = 1;
+    } else if (format == QImage::Format_RGB888) {
+        job.space = JCS_EXT_RGB;
+        job.bpp = 3;
+    } else {
+        format = QImage::Format_RGB32;
+#if Q_BYTE_ORDER == Q_LITTLE_ENDIAN
+        job.space = JCS_EXT_BGRX;
+#else
+        job.space = JCS_EXT_XRGB;
+#endif
+        job.bpp = 4;
+    }
+    QImage out(orientation.map(job.target), format);
+    if (out.isNull())
+        return QImage();
+    job.where = placement(out, orientation, job.target, job.bpp);
+    job.dcOnly = progressive && scaleDenom == 8
+        && rect == QRect(0, 0, (storedSize.width() + 7) / 8, (storedSize.height() + 7) / 8);
+
+    // A baseline stream splits in two: the second part entropy-decodes the
+    // first part's rows only to skip them (about half the cost of decoding
+    // them), so it gets fewer rows and both finish together. A progressive
+    // stream has to be read whole by each part, so it stays in one.
+    const int rows = job.target.height();
+    const bool split = !progressive && std::thread::hardware_concurrency() > 1
+        && qint64(rect.width()) * rect.height() >= kSplitPixels && rows >= 4 * kBandRows;
+    if (!split)
+        return decodePart(job, 0, rows) ? out : QImage();
+    const int middle = int(rows * kFirstPartShare);
+    bool second = false;
+    std::thread worker([&] { second = decodePart(job, middle, rows); });
+    const bool firstOk = decodePart(job, 0, middle);
+    worker.join();
+    return firstOk && second ? out : QImage();
 }

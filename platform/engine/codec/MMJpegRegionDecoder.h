@@ -8,7 +8,9 @@
 // above the part are skipped (entropy-decoded only), columns beside it are
 // not reconstructed, nothing below it is read, optionally at 1/2, 1/4 or
 // 1/8 scale. The pixels are turned while they are copied out of small
-// bands, so no second full frame is ever held. Pixels equal those of a
+// bands, so no second full frame is ever held. A large baseline picture is
+// decoded by two threads, each on its own run of rows; a whole progressive
+// picture at 1/8 scale is read only until its DC coefficients are whole. Pixels equal those of a
 // full decode at the same scale. Any libjpeg warning but "extraneous
 // bytes" fails the decode, as damaged data must not be saved as whole.
 class MMJpegRegionDecoder
@@ -16,7 +18,10 @@ class MMJpegRegionDecoder
 public:
     // rect is in units of the scaled decode; storedSize must match the
     // stream's frame. format is RGB32 or RGB888 (grey files come out as
-    // Grayscale8 either way). Null on any failure.
+    // Grayscale8 either way). A valid shrinkTo (the turned result's size,
+    // no larger than the turned rect) averages the decoded pixels down to
+    // it while decoding (MMAreaScaler), so the full-size rect is never
+    // held. Null on any failure.
     static QImage decode(const QByteArray &jpeg, const QSize &storedSize, int scaleDenom, const QRect &rect,
-                         const MMOrientation &orientation, QImage::Format format);
+                         const MMOrientation &orientation, QImage::Format format, const QSize &shrinkTo = QSize());
 };

@@ -106,12 +106,12 @@ MMEncodeOptions encodeOptions(const MMImageHeader &header, const QByteArray &for
 QImage decodePlanned(const QString &in, const MMImageHeader &header, const MMEditPlanner::Plan &plan, bool toJpeg)
 {
     // Three bytes a pixel when nothing but the encoder will read them.
-    const bool packed = toJpeg && plan.rest.empty() && !plan.resizeTo.isValid();
+    const bool packed = toJpeg && plan.rest.empty();
     QImage image = MMJpegRegionDecoder::decode(readFile(in), header.storedSize(), plan.scaleDenom, plan.decodeRect,
-                                               plan.orientation, packed ? QImage::Format_RGB888 : QImage::Format_RGB32);
+                                               plan.orientation, packed ? QImage::Format_RGB888 : QImage::Format_RGB32,
+                                               plan.resizeTo);
     if (image.isNull() || !plan.resizeTo.isValid())
         return image;
-    image = image.scaled(plan.resizeTo, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
     return image.rect() == plan.keep ? image : image.copy(plan.keep);
 }
 }

@@ -36,7 +36,7 @@ int scaleFor(const QRect &region, const QSize &target)
 }
 
 // Halves round down: a scaled pixel half inside the region is left out.
-int roundDiv(int a, int b) { return (a + b / 2 - 1) / b; }
+int roundDiv(int a, int b) { return (a + (b - 1) / 2) / b; }
 }
 
 MMEditPlanner::Plan MMEditPlanner::plan(const QSize &storedSize, const MMOrientation &fileOrientation,
@@ -74,9 +74,12 @@ MMEditPlanner::Plan MMEditPlanner::plan(const QSize &storedSize, const MMOrienta
         const MMSize t = static_cast<const MMResizeCommand *>(*it)->getTargetSize();
         // Stored orientation: a transposing orientation swaps back the same way.
         const QSize target = orientation.map(QSize(t.width, t.height));
-        const int denom = t.width > 0 && t.height > 0 && qint64(t.width) * t.height <= MMImageDecoder::MaxPixels
-            ? scaleFor(region, target) : 1;
-        if (denom > 1) {
+        const bool shrinks = t.width > 0 && t.height > 0 && qint64(t.width) * t.height <= MMImageDecoder::MaxPixels
+            && target.width() <= region.width() && target.height() <= region.height();
+        if (shrinks) {
+            // DCT scaling only down to twice the target: below that it
+            // blurs less than the area average that follows, and aliases.
+            const int denom = scaleFor(region, target * 2);
             // A last scaled pixel mostly outside the region is left out; one
             // mostly inside is kept, and what it covers beyond the region is
             // cut off after the resize.

@@ -11,8 +11,9 @@ class MMCommand;
 // The turns and flips at the head of a command list fold into one
 // orientation together with the file's own; crops among them move before
 // it (mapped back into stored pixels), so that only kept pixels are decoded
-// and turned; a following resize to half or less becomes a scaled decode
-// (libjpeg's 1/2, 1/4, 1/8) plus a small smooth resize of what is left.
+// and turned; a following shrink is done while decoding: a scaled decode
+// (libjpeg's 1/2, 1/4, 1/8) down to no less than twice the target, then an
+// area average of what is left.
 // Whatever follows is applied as it is.
 class MMEditPlanner
 {
@@ -26,8 +27,9 @@ public:
         QRect decodeRect;
         // Turns the decoded pixels into the picture being edited.
         MMOrientation orientation;
-        // When valid: the turned pixels are resized to this, then keep is
-        // taken from them (a scaled decode starts on whole scaled pixels).
+        // When valid: the decoded pixels are shrunk to this (turned size),
+        // then keep is taken from them (a scaled decode starts on whole
+        // scaled pixels).
         QSize resizeTo;
         QRect keep;
         // Applied afterwards, in order.

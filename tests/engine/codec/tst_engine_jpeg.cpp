@@ -33,11 +33,19 @@ private slots:
     void regionDecodeEqualsFullDecode();
     void plannedSaveMatchesNaiveReplay_data();
     void plannedSaveMatchesNaiveReplay();
+    void shrinkWhileDecodingAveragesAreas_data();
+    void shrinkWhileDecodingAveragesAreas();
+    void progressiveEighthReadsOnlyWhatItNeeds_data();
+    void progressiveEighthReadsOnlyWhatItNeeds();
+    void stripEncodeDecodesAsOnePiece_data();
+    void stripEncodeDecodesAsOnePiece();
 
 private:
     QString path(const QString &name) const { return m_dir.filePath(name); }
     QString makeJpeg(const QImage &image, const QString &name, int quality);
     static int runCommands(const QString &in, const QString &out, const QString &commands);
+    // photo() with fine detail, so that a block or strip out of place shows.
+    static QImage detailedPhoto(const QSize &size);
     QTemporaryDir m_dir;
 };
 
@@ -56,6 +64,15 @@ QString TestEngineJpeg::makeJpeg(const QImage &image, const QString &name, int q
     image.save(ppm, "PPM");
     run("cjpeg", { "-quality", QString::number(quality), "-outfile", out, ppm });
     return out;
+}
+
+QImage TestEngineJpeg::detailedPhoto(const QSize &size)
+{
+    QImage image = photo(size.width(), size.height());
+    for (int y = 0; y < size.height(); y += 3)
+        for (int x = (y * 7) % 5; x < size.width(); x += 5)
+            image.setPixel(x, y, qRgb((x * 31) % 256, (y * 17) % 256, ((x + y) * 13) % 256));
+    return image;
 }
 
 int TestEngineJpeg::runCommands(const QString &in, const QString &out, const QString &commands)
@@ -205,18 +222,25 @@ void TestEngineJpeg::regionDecodeEqualsFullDecode_data()
     QTest::addColumn<int>("scale");
     QTest::addColumn<QRect>("rect");
     QTest::addColumn<int>("orientation");
+    QTest::addColumn<QSize>("size");
     // Odd offsets inside blocks, the picture's edges, every orientation.
-    QTest::newRow("4:2:0 inner") << "2x2" << 1 << QRect(37, 21, 101, 77) << 1;
-    QTest::newRow("4:2:0 on block edges") << "2x2" << 1 << QRect(32, 32, 64, 48) << 1;
-    QTest::newRow("4:2:2 on block edges, half scale") << "2x1" << 2 << QRect(16, 8, 32, 24) << 1;
-    QTest::newRow("4:2:0 turned right") << "2x2" << 1 << QRect(17, 33, 90, 50) << 6;
-    QTest::newRow("4:2:2 transverse") << "2x1" << 1 << QRect(1, 1, 170, 110) << 7;
-    QTest::newRow("4:4:4 left, to the bottom") << "1x1" << 1 << QRect(0, 40, 63, 80) << 8;
-    QTest::newRow("4:2:2 whole, mirrored") << "2x1" << 1 << QRect(0, 0, 176, 120) << 2;
-    QTest::newRow("4:2:0 progressive, below the top") << "2x2 -progressive" << 1 << QRect(21, 57, 80, 40) << 6;
-    QTest::newRow("grey transposed") << "grey" << 1 << QRect(15, 9, 48, 100) << 5;
-    QTest::newRow("4:2:0 half scale, upside down") << "2x2" << 2 << QRect(9, 7, 61, 44) << 3;
-    QTest::newRow("4:2:2 eighth scale") << "2x1" << 8 << QRect(3, 2, 18, 13) << 4;
+    QTest::newRow("4:2:0 inner") << "2x2" << 1 << QRect(37, 21, 101, 77) << 1 << QSize(176, 120);
+    QTest::newRow("4:2:0 on block edges") << "2x2" << 1 << QRect(32, 32, 64, 48) << 1 << QSize(176, 120);
+    QTest::newRow("4:2:2 on block edges, half scale") << "2x1" << 2 << QRect(16, 8, 32, 24) << 1 << QSize(176, 120);
+    QTest::newRow("4:2:0 turned right") << "2x2" << 1 << QRect(17, 33, 90, 50) << 6 << QSize(176, 120);
+    QTest::newRow("4:2:2 transverse") << "2x1" << 1 << QRect(1, 1, 170, 110) << 7 << QSize(176, 120);
+    QTest::newRow("4:4:4 left, to the bottom") << "1x1" << 1 << QRect(0, 40, 63, 80) << 8 << QSize(176, 120);
+    QTest::newRow("4:2:2 whole, mirrored") << "2x1" << 1 << QRect(0, 0, 176, 120) << 2 << QSize(176, 120);
+    QTest::newRow("4:2:0 progressive, below the top") << "2x2 -progressive" << 1 << QRect(21, 57, 80, 40) << 6 << QSize(176, 120);
+    QTest::newRow("grey transposed") << "grey" << 1 << QRect(15, 9, 48, 100) << 5 << QSize(176, 120);
+    QTest::newRow("4:2:0 half scale, upside down") << "2x2" << 2 << QRect(9, 7, 61, 44) << 3 << QSize(176, 120);
+    QTest::newRow("4:2:2 eighth scale") << "2x1" << 8 << QRect(3, 2, 18, 13) << 4 << QSize(176, 120);
+    // Large enough to be decoded by two threads, the second starting mid-picture.
+    QTest::newRow("split 4:2:0 turned right") << "2x2" << 1 << QRect(3, 5, 1271, 1013) << 6 << QSize(1280, 1024);
+    QTest::newRow("split 4:2:2 region, mirrored") << "2x1" << 1 << QRect(41, 300, 1100, 700) << 2 << QSize(1280, 1024);
+    QTest::newRow("split grey whole") << "grey" << 1 << QRect(0, 0, 1280, 1024) << 1 << QSize(1280, 1024);
+    QTest::newRow("split 4:2:0 half scale") << "2x2" << 2 << QRect(0, 0, 1100, 1000) << 8 << QSize(2200, 2000);
+    QTest::newRow("progressive stays whole") << "2x2 -progressive" << 1 << QRect(7, 9, 1200, 1000) << 6 << QSize(1280, 1024);
 }
 
 void TestEngineJpeg::regionDecodeEqualsFullDecode()
@@ -225,13 +249,14 @@ void TestEngineJpeg::regionDecodeEqualsFullDecode()
     QFETCH(int, scale);
     QFETCH(QRect, rect);
     QFETCH(int, orientation);
+    QFETCH(QSize, size);
     const QString ppm = path("region.ppm"), jpeg = path("region.jpg");
-    QVERIFY(photo(176, 120).save(ppm, "PPM"));
+    QVERIFY(photo(size.width(), size.height()).save(ppm, "PPM"));
     const QStringList colour = sampling == "grey" ? QStringList{ "-grayscale" } : ("-sample " + sampling).split(' ');
     QVERIFY(run("cjpeg", colour + QStringList{ "-quality", "85", "-outfile", jpeg, ppm }));
     const QByteArray data = bytes(jpeg);
     const MMOrientation turn = MMOrientation::fromExif(orientation);
-    const QSize stored(176, 120), scaled((176 + scale - 1) / scale, (120 + scale - 1) / scale);
+    const QSize stored = size, scaled((size.width() + scale - 1) / scale, (size.height() + scale - 1) / scale);
     const QImage full = scale == 1 ? MMJpegCodec::decode(data)
                                    : MMJpegRegionDecoder::decode(data, stored, scale, QRect(QPoint(0, 0), scaled),
                                                                  MMOrientation(), QImage::Format_RGB32);
@@ -288,6 +313,130 @@ void TestEngineJpeg::plannedSaveMatchesNaiveReplay()
     // may add at most as much again.
     const double difference = meanDifference(planned, naive);
     QVERIFY2(difference <= 2 * reencoding + 0.25, qPrintable(QString("%1 vs %2").arg(difference).arg(reencoding)));
+}
+
+void TestEngineJpeg::shrinkWhileDecodingAveragesAreas_data()
+{
+    QTest::addColumn<QSize>("size");
+    QTest::addColumn<int>("orientation");
+    QTest::addColumn<QSize>("target");
+    QTest::newRow("half, one thread") << QSize(300, 200) << 1 << QSize(150, 100);
+    QTest::newRow("uneven, turned right, two threads") << QSize(1280, 1024) << 6 << QSize(391, 517);
+    QTest::newRow("just below full, mirrored") << QSize(1281, 1023) << 2 << QSize(1280, 1021);
+    QTest::newRow("one row") << QSize(1600, 900) << 1 << QSize(800, 1);
+}
+
+// A shrink while decoding is the area average ImageMagick's -scale makes of
+// the full decode.
+void TestEngineJpeg::shrinkWhileDecodingAveragesAreas()
+{
+    QFETCH(QSize, size);
+    QFETCH(int, orientation);
+    QFETCH(QSize, target);
+    const QString jpeg = makeJpeg(photo(size.width(), size.height()), "shrink.jpg", 90);
+    const QString full = path("shrink-full.ppm"), reference = path("shrink-ref.ppm");
+    QVERIFY(run("djpeg", { "-pnm", "-outfile", full, jpeg }));
+    const MMOrientation turn = MMOrientation::fromExif(orientation);
+    const QSize stored = turn.map(target);
+    QVERIFY(run("convert", { full, "-scale", QString("%1x%2!").arg(stored.width()).arg(stored.height()), reference }));
+    const QImage expected = turn.apply(QImage(reference).convertToFormat(QImage::Format_RGB32));
+
+    const QImage shrunk = MMJpegRegionDecoder::decode(bytes(jpeg), size, 1, QRect(QPoint(0, 0), size), turn,
+                                                      QImage::Format_RGB32, target);
+
+    QCOMPARE(shrunk.size(), target);
+    int worst = 0;
+    for (int y = 0; y < target.height(); ++y)
+        for (int x = 0; x < target.width(); ++x) {
+            const QRgb a = shrunk.pixel(x, y), b = expected.pixel(x, y);
+            worst = qMax(worst, qMax(qAbs(qRed(a) - qRed(b)), qMax(qAbs(qGreen(a) - qGreen(b)), qAbs(qBlue(a) - qBlue(b)))));
+        }
+    QVERIFY2(worst <= 1, qPrintable(QString("worst difference %1").arg(worst)));
+}
+
+void TestEngineJpeg::progressiveEighthReadsOnlyWhatItNeeds_data()
+{
+    QTest::addColumn<QString>("colour");
+    QTest::addColumn<QSize>("size");
+    QTest::newRow("4:2:2") << "-sample 2x1" << QSize(1203, 901);
+    QTest::newRow("4:2:0") << "-sample 2x2" << QSize(640, 480);
+    QTest::newRow("grey") << "-grayscale" << QSize(333, 250);
+}
+
+// A whole progressive picture at 1/8 scale, read only until its DC is
+// whole, equals djpeg's decode of every scan at 1/8; a stream cut off
+// before then is refused.
+void TestEngineJpeg::progressiveEighthReadsOnlyWhatItNeeds()
+{
+    QFETCH(QString, colour);
+    QFETCH(QSize, size);
+    const QImage image = detailedPhoto(size);
+    const QString ppm = path("eighth.ppm"), jpeg = path("eighth.jpg");
+    QVERIFY(image.save(ppm, "PPM"));
+    QVERIFY(run("cjpeg", colour.split(' ') + QStringList{ "-progressive", "-quality", "95", "-outfile", jpeg, ppm }));
+    QByteArray reference;
+    QVERIFY(run("djpeg", { "-scale", "1/8", "-pnm", jpeg }, &reference));
+    const QImage expected = QImage::fromData(reference).convertToFormat(QImage::Format_RGB32);
+    const QRect whole(0, 0, (size.width() + 7) / 8, (size.height() + 7) / 8);
+    const QByteArray data = bytes(jpeg);
+
+    const QImage eighth = MMJpegRegionDecoder::decode(data, size, 8, whole, MMOrientation(), QImage::Format_RGB32);
+
+    QCOMPARE(eighth.convertToFormat(QImage::Format_RGB32), expected);
+    // Cut inside the first (DC) scan: damage, not a picture.
+    const int firstScan = data.indexOf("\xFF\xDA");
+    QVERIFY(firstScan > 0);
+    QVERIFY(MMJpegRegionDecoder::decode(data.left(firstScan + 40), size, 8, whole, MMOrientation(),
+                                        QImage::Format_RGB32).isNull());
+}
+
+void TestEngineJpeg::stripEncodeDecodesAsOnePiece_data()
+{
+    QTest::addColumn<QSize>("size");
+    QTest::addColumn<QString>("sampling");
+    QTest::addColumn<int>("quality");
+    QTest::addColumn<bool>("progressive");
+    QTest::newRow("4:2:0, partial blocks at the edges") << QSize(1283, 1021) << "2x2" << 90 << false;
+    QTest::newRow("4:2:2 tall") << QSize(700, 3001) << "2x1" << 92 << false;
+    QTest::newRow("4:4:4, more strips than threads") << QSize(2048, 2056) << "1x1" << 90 << false;
+    QTest::newRow("grey") << QSize(1100, 1000) << "grey" << 75 << false;
+    QTest::newRow("small: one piece") << QSize(300, 200) << "2x2" << 90 << false;
+    QTest::newRow("4:2:2 at quality 100") << QSize(1300, 1000) << "2x1" << 100 << false;
+    // Progressive: luma and chroma scans written apart, then joined.
+    QTest::newRow("progressive 4:2:2 at quality 100") << QSize(1301, 1003) << "2x1" << 100 << true;
+    QTest::newRow("progressive 4:2:0") << QSize(1283, 1021) << "2x2" << 85 << true;
+    QTest::newRow("progressive 4:4:4") << QSize(1024, 1100) << "1x1" << 92 << true;
+    QTest::newRow("progressive grey: one piece") << QSize(1100, 1000) << "grey" << 90 << true;
+}
+
+// Strips (or scans) encoded apart and joined decode to exactly the pixels of
+// the same picture encoded in one piece by cjpeg, without a warning from
+// djpeg: the same coefficients, however the stream is cut.
+void TestEngineJpeg::stripEncodeDecodesAsOnePiece()
+{
+    QFETCH(QSize, size);
+    QFETCH(QString, sampling);
+    QFETCH(int, quality);
+    QFETCH(bool, progressive);
+    QImage image = detailedPhoto(size);
+    const bool grey = sampling == "grey";
+    if (grey)
+        image = image.convertToFormat(QImage::Format_Grayscale8);
+    const MMJpegHeader::Subsampling sub = grey ? MMJpegHeader::SubGray
+        : sampling == "2x2" ? MMJpegHeader::Sub420 : sampling == "2x1" ? MMJpegHeader::Sub422 : MMJpegHeader::Sub444;
+    const QString ours = path("strips.jpg"), ppm = path("strips.pnm"), theirs = path("strips-ref.jpg");
+    const QByteArray encoded = MMJpegCodec::encode(image, quality, sub, progressive);
+    QVERIFY(writeBytes(ours, encoded));
+    QCOMPARE(encoded.contains("\xFF\xC2"), progressive);
+    QVERIFY(image.save(ppm, grey ? "PGM" : "PPM"));
+    const QStringList colour = grey ? QStringList{ "-grayscale" } : QStringList{ "-sample", sampling };
+    // TurboJPEG encodes with the fast DCT below quality 96.
+    const QString dct = quality < 96 ? "fast" : "int";
+    QVERIFY(run("cjpeg", colour + QStringList{ "-dct", dct, "-quality", QString::number(quality), "-outfile", theirs, ppm }));
+
+    const QImage decoded = djpeg(ours);
+    QCOMPARE(decoded.size(), size);
+    QCOMPARE(decoded, djpeg(theirs));
 }
 
 QTEST_GUILESS_MAIN(TestEngineJpeg)
