@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs what the project needs from Debian's packages. Idempotent: when every
-# package is present it only checks and returns.
+# package is present it only checks and returns. Packages given as arguments
+# are wanted too (scripts/cross-test.sh adds the target's).
 set -euo pipefail
 
 PACKAGES=(
@@ -12,6 +13,7 @@ PACKAGES=(
   lomiri-wallpapers-20.04
   time
 )
+PACKAGES+=("$@")
 
 missing=()
 for p in "${PACKAGES[@]}"; do

@@ -4,6 +4,8 @@
 #include <QImage>
 #include <QtTest>
 
+#include "builtprogram.h"
+
 #include <algorithm>
 #include <cstdlib>
 #include <memory>
@@ -99,8 +101,9 @@ private:
             run.done = true;
             startQueued();
         });
-        run.process.start(kViewer, {"--edit", "--screen", "240x320", "--key-delay", "150", "--keys", run.keys,
-                                    "--quit-when-closed", run.file});
+        builtprogram::start(run.process, kViewer,
+                            {"--edit", "--screen", "240x320", "--key-delay", "150", "--keys", run.keys,
+                             "--quit-when-closed", run.file});
     }
 
     int m_parallel;
