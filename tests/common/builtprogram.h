@@ -9,6 +9,9 @@
 
 namespace builtprogram {
 
+// Under emulation a program of this build runs several times slower.
+inline bool emulated() { return !qEnvironmentVariableIsEmpty("VO_TEST_EMULATOR"); }
+
 inline void start(QProcess &process, const QString &program, const QStringList &arguments)
 {
     QStringList emulator = qEnvironmentVariable("VO_TEST_EMULATOR").split(' ', Qt::SkipEmptyParts);

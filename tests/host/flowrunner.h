@@ -59,6 +59,8 @@ public:
     Run *wait(const QString &id, int timeoutMs = 90000)
     {
         const auto it = std::find_if(m_runs.begin(), m_runs.end(), [&](const auto &run) { return run->id == id; });
+        if (builtprogram::emulated())
+            timeoutMs *= 4;
         QElapsedTimer waited;
         waited.start();
         while (it != m_runs.end() && !(*it)->done && waited.elapsed() < timeoutMs)
@@ -101,8 +103,11 @@ private:
             run.done = true;
             startQueued();
         });
+        // The pause between keys is what lets the editor finish each step
+        // (decoding, preview) before the next key, so it grows with emulation.
+        const QString keyDelay = builtprogram::emulated() ? "600" : "150";
         builtprogram::start(run.process, kViewer,
-                            {"--edit", "--screen", "240x320", "--key-delay", "150", "--keys", run.keys,
+                            {"--edit", "--screen", "240x320", "--key-delay", keyDelay, "--keys", run.keys,
                              "--quit-when-closed", run.file});
     }
 
