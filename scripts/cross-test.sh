@@ -6,8 +6,8 @@ root=$(cd "$(dirname "$0")/.." && pwd)
 
 arch=${1:-}
 case "$arch" in
-  arm64) triplet=aarch64-linux-gnu ;;
-  armhf) triplet=arm-linux-gnueabihf ;;
+  arm64) triplet=aarch64-linux-gnu qemu=qemu-aarch64-static ;;
+  armhf) triplet=arm-linux-gnueabihf qemu=qemu-arm-static ;;
   *) echo "usage: $0 arm64|armhf" >&2; exit 2 ;;
 esac
 
@@ -33,19 +33,33 @@ HOST_PACKAGES=(
 # dpkg must know the target's architecture before apt can find its packages;
 # install-deps.sh then installs what is missing, with the native set (the
 # tests compare against host tools: jpegtran, convert, exiftool, vips).
+SUDO=""
+if [ "$(id -u)" -ne 0 ]; then SUDO="sudo"; fi
+added_arch=0
 if ! dpkg --print-foreign-architectures | grep -qx "$arch"; then
-  if [ "$(id -u)" -ne 0 ]; then sudo dpkg --add-architecture "$arch"; else dpkg --add-architecture "$arch"; fi
+  $SUDO dpkg --add-architecture "$arch"
+  added_arch=1
 fi
 target_packages=()
 for p in "${TARGET_PACKAGES[@]}"; do target_packages+=("$p:$arch"); done
 start=$SECONDS
-bash "$root/scripts/install-deps.sh" "${HOST_PACKAGES[@]}" "${target_packages[@]}"
-echo "Packages checked or installed in $((SECONDS - start)) s"
+if ! bash "$root/scripts/install-deps.sh" "${HOST_PACKAGES[@]}" "${target_packages[@]}"; then
+  # An architecture whose package lists cannot be read fails every later
+  # apt-get update, the native one too: leave dpkg as it was.
+  if [ "$added_arch" -eq 1 ] && ! dpkg-query -W -f='${Architecture}\n' | grep -qx "$arch"; then
+    $SUDO dpkg --remove-architecture "$arch"
+  fi
+  echo "cross-test: the $arch packages could not be installed (see apt's messages above)" >&2
+  exit 1
+fi
+echo "cross-test: packages checked or installed in $((SECONDS - start)) s"
 
 build="$root/build-$arch"
 cmake -S "$root" -B "$build" -DCMAKE_BUILD_TYPE=RelWithDebInfo \
   -DCMAKE_TOOLCHAIN_FILE="$root/cmake/toolchains/$triplet.cmake" >/dev/null
+start=$SECONDS
 nice cmake --build "$build" -j"$(nproc)"
+echo "cross-test: built in $((SECONDS - start)) s"
 
 cd "$build"
 export QT_QPA_PLATFORM=offscreen
@@ -56,4 +70,5 @@ export QT_QPA_PLATFORM=offscreen
 # a program starts (QtTest's watchdog) spins for ever.
 unset QEMU_LD_PREFIX
 # Timeouts are scaled for emulation in tests/CMakeLists.txt.
+echo "cross-test: every test runs under $("$qemu" --version | head -n 1); none is left out"
 nice ctest --output-on-failure -j"$(nproc)"

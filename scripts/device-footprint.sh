@@ -14,8 +14,8 @@ emulator=("$@")
 settle=${SETTLE:-8}   # seconds for the editor to show its preview
 
 strip_tool=strip
-case "$(file -b "$build/lib/libvoimageeditor.so.1")" in
-  *aarch64*) strip_tool=aarch64-linux-gnu-strip ;;
+case "$(readelf -h "$build/lib/libvoimageeditor.so.1" | grep Machine:)" in
+  *AArch64*) strip_tool=aarch64-linux-gnu-strip ;;
   *ARM*) strip_tool=arm-linux-gnueabihf-strip ;;
 esac
 tmp=$(mktemp -d)
