@@ -19,6 +19,8 @@ set(QT_HOST_PATH /usr CACHE PATH "Qt host tools (moc, rcc, uic)")
 set(ENV{PKG_CONFIG_LIBDIR} /usr/lib/${VO_TRIPLET}/pkgconfig:/usr/share/pkgconfig)
 
 # The target's loader and libraries are installed multiarch (/lib/ld-linux-*,
-# /usr/lib/<triplet>), so qemu needs no -L prefix.
-# "-L /" keeps a QEMU_LD_PREFIX from the environment from taking effect.
+# /usr/lib/<triplet>) and must be used as they are: a QEMU_LD_PREFIX of
+# /usr/<triplet> would pair the cross toolchain's loader with the multiarch
+# libc.so.6, two builds that share private state, and every program spins in
+# its first pthread_create. "-L /" keeps such a setting from taking effect.
 set(CMAKE_CROSSCOMPILING_EMULATOR ${VO_QEMU} -L /)
