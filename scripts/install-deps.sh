@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs what the project needs from Debian's packages. Idempotent: when every
-# package is present it only checks and returns.
+# package is present it only checks and returns. Packages given as arguments
+# are wanted too (scripts/cross-test.sh adds the target's).
 set -euo pipefail
 
 PACKAGES=(
@@ -14,6 +15,7 @@ PACKAGES=(
   time
   inotify-tools
 )
+PACKAGES+=("$@")
 
 missing=()
 for p in "${PACKAGES[@]}"; do

@@ -4,6 +4,8 @@
 #include <QImage>
 #include <QtTest>
 
+#include "builtprogram.h"
+
 #include <algorithm>
 #include <cstdlib>
 #include <memory>
@@ -59,6 +61,8 @@ public:
     Run *wait(const QString &id, int timeoutMs = 90000)
     {
         const auto it = std::find_if(m_runs.begin(), m_runs.end(), [&](const auto &run) { return run->id == id; });
+        if (builtprogram::emulated())
+            timeoutMs *= 4;
         QElapsedTimer waited;
         waited.start();
         while (it != m_runs.end() && !(*it)->done && waited.elapsed() < timeoutMs)
@@ -100,9 +104,13 @@ private:
             run.done = true;
             startQueued();
         });
-        run.process.start(kViewer, {"--edit", "--screen", "240x320", "--key-delay", "150", "--keys", run.keys,
-                                    "--shots", shotsDirOf(run.file),
-                                    "--quit-when-closed", run.file});
+        // The pause between keys is what lets the editor finish each step
+        // (decoding, preview) before the next key, so it grows with emulation.
+        const QString keyDelay = builtprogram::emulated() ? "600" : "150";
+        builtprogram::start(run.process, kViewer,
+                            {"--edit", "--screen", "240x320", "--key-delay", keyDelay, "--keys", run.keys,
+                             "--shots", shotsDirOf(run.file),
+                             "--quit-when-closed", run.file});
     }
 
     int m_parallel;

@@ -1,6 +1,7 @@
 // The host's side of the contract, through the installed library file and
 // its unmangled entry points only, as a third-party host uses them.
 #include "ZMainWidget.h"
+#include "builtprogram.h"
 #include "ZSoftKey.h"
 #include "testimages.h"
 
@@ -140,9 +141,9 @@ private slots:
         const QString shots = m_dir.filePath("shots");
         QProcess viewer;
         viewer.setProcessChannelMode(QProcess::MergedChannels);
-        viewer.start(VO_BINARY_DIR "/bin/vo-viewer",
-                     {"--edit", "--keys", "wait:500 Context2", "--key-delay", "200", "--shots", shots,
-                      "--quit-when-closed", file});
+        builtprogram::start(viewer, VO_BINARY_DIR "/bin/vo-viewer",
+                            {"--edit", "--keys", "wait:500 Context2", "--key-delay", "200", "--shots", shots,
+                             "--quit-when-closed", file});
         QVERIFY(viewer.waitForFinished(30000));
         QCOMPARE(viewer.exitStatus(), QProcess::NormalExit);
         QCOMPARE(viewer.exitCode(), 0);
