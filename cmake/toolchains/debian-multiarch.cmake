@@ -14,6 +14,14 @@ set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE BOTH)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE BOTH)
 
 set(QT_HOST_PATH /usr CACHE PATH "Qt host tools (moc, rcc, uic)")
+# Qt looks for its *Tools packages (LinguistTools: lupdate, lrelease) beside the
+# target's Qt; Debian installs the build machine's under its own multiarch folder.
+execute_process(COMMAND gcc -print-multiarch OUTPUT_VARIABLE _vo_build_multiarch
+                OUTPUT_STRIP_TRAILING_WHITESPACE ERROR_QUIET)
+if(_vo_build_multiarch)
+  set(QT_ADDITIONAL_HOST_PACKAGES_PREFIX_PATH /usr/lib/${_vo_build_multiarch}/cmake
+      CACHE STRING "The build machine's Qt tool packages")
+endif()
 
 # Debian has no <triplet>-pkg-config; the plain one reads the target's .pc files.
 set(ENV{PKG_CONFIG_LIBDIR} /usr/lib/${VO_TRIPLET}/pkgconfig:/usr/share/pkgconfig)
