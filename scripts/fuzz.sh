@@ -53,6 +53,7 @@ status=0
 for i in "${!targets[@]}"; do
   t=${targets[$i]}
   if wait "${pids[$i]}"; then result=ok; else result=CRASHED; status=1; fi
+  rm -rf "${TMPDIR:-/tmp}/vo-fuzz-${pids[$i]}" # the target's scratch files (nice execs it, same pid)
   runs=$(grep -o 'stat::number_of_executed_units: [0-9]*' "$build/logs/$t.log" | grep -o '[0-9]*$' || echo '?')
   echo "$t: $result, $runs executions in ${seconds}s (log: build-fuzz/logs/$t.log)"
 done
