@@ -1,7 +1,9 @@
 #pragma once
 
 // The editor's modes; STAT_END absorbs every pair the transition table lacks.
-enum ImgEditorState {
+// A fixed int underneath: a value outside the table is stored and handled
+// (it yields the defaults), which an enum without one would not allow.
+enum ImgEditorState : int {
     STAT_MAIN = 0,
     STAT_CROP = 1,
     STAT_RESIZE = 2,

@@ -1,4 +1,5 @@
 #pragma once
+#include "MMDecodeBudget.h"
 #include <QImage>
 #include <QSize>
 #include <QString>
@@ -9,8 +10,8 @@
 class MMImageDecoder
 {
 public:
-    // Largest picture we decode, in pixels.
-    static constexpr qint64 MaxPixels = 100LL * 1000 * 1000;
+    // Largest picture we decode, in pixels (see MMDecodeBudget).
+    static constexpr qint64 MaxPixels = MMDecodeBudget::MaxPixels;
 
     // The whole picture; a null image on failure (missing, not an image,
     // truncated, too large).

@@ -1,14 +1,13 @@
 #include "MMImageHeader.h"
+#include "MMDecodeBudget.h"
 #include "MMFileFormat.h"
-#include "MMImageDecoder.h"
 #include <QFile>
 #include <QFileInfo>
 #include <QImageReader>
 
 bool MMImageHeader::isAcceptableSize(const QSize &size)
 {
-    return size.width() > 0 && size.height() > 0 && size.width() <= 65535 && size.height() <= 65535
-        && qint64(size.width()) * size.height() <= MMImageDecoder::MaxPixels;
+    return MMDecodeBudget::allowsSize(size);
 }
 
 MMImageHeader MMImageHeader::read(const QString &path)
@@ -28,7 +27,7 @@ MMImageHeader MMImageHeader::read(const QString &path)
             return h;
         qtFormat = "jpeg";
         size = QSize(h.m_jpeg.width(), h.m_jpeg.height());
-        if (!isAcceptableSize(size) || !MMJpegHeader::isComplete(path))
+        if (!MMDecodeBudget::allowsJpeg(h.m_jpeg) || !MMJpegHeader::isComplete(path))
             return MMImageHeader();
     } else {
         QImageReader reader(path);

@@ -53,8 +53,13 @@ bool MMJpegHeader::read(QIODevice &device)
         if (!readBytes(device, reinterpret_cast<char *>(len), 2) || be16(len) < 2)
             return false;
         const int payloadSize = be16(len) - 2;
-        if (marker == 0xDA)
+        if (marker == 0xDA) {
+            // Left unread: the scan's component count, for the decode budget.
+            char scanComponents = 0;
+            device.peek(&scanComponents, 1);
+            m_firstScanComponents = uchar(scanComponents);
             return frameSeen && m_width > 0 && m_height > 0;
+        }
         const bool isFrame = marker >= 0xC0 && marker <= 0xCF && marker != 0xC4 && marker != 0xC8 && marker != 0xCC;
         const bool wanted = isFrame || marker == 0xDB || (marker == 0xE1 && !m_orientationSeen);
         if (!wanted) {

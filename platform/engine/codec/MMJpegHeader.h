@@ -25,6 +25,10 @@ public:
     int height() const { return m_height; }
     int components() const { return m_components; }
     bool isProgressive() const { return m_progressive; }
+    // True when libjpeg must keep every coefficient of the picture until
+    // the end: progressive files, and sequential ones whose first scan
+    // leaves components for later scans.
+    bool buffersWholePicture() const { return m_progressive || m_firstScanComponents < m_components; }
     // EXIF orientation of the stored pixels, 1 to 8 (1 when absent or odd).
     int orientation() const { return m_orientation; }
     Subsampling subsampling() const;
@@ -41,6 +45,7 @@ private:
     int m_height = 0;
     int m_components = 0;
     bool m_progressive = false;
+    int m_firstScanComponents = 0;
     int m_orientation = 1;
     bool m_orientationSeen = false;
     int m_hSampling[4] = {};

@@ -21,9 +21,12 @@ int MMOverlayImageCommand::apply(QImage &image) const
     QImage element = MMImageDecoder::decode(QString::fromStdString(m_image.getFileName()));
     if (element.isNull())
         return -1;
-    const QRect target(m_rect.x, m_rect.y, m_rect.width, m_rect.height);
-    if (!target.intersects(image.rect()))
+    // 64-bit edges and a floating-point target: a rectangle near INT_MAX
+    // must not wrap round (QRect's right edge would overflow).
+    if (qint64(m_rect.x) + m_rect.width <= 0 || qint64(m_rect.y) + m_rect.height <= 0 || m_rect.x >= image.width()
+        || m_rect.y >= image.height())
         return 0; // nothing of it would show
+    const QRectF target(m_rect.x, m_rect.y, m_rect.width, m_rect.height);
     const QSize size(m_rect.width, m_rect.height);
     // Shrinking is done beforehand, where Qt averages areas; growing is left
     // to the painter, which only fills the part that lands on the picture.

@@ -1,13 +1,14 @@
 #include "MMResizeCommand.h"
-#include "MMImageDecoder.h"
+#include "MMDecodeBudget.h"
 #include <QImage>
 
 int MMResizeCommand::apply(QImage &image) const
 {
-    if (image.isNull() || m_size.width <= 0 || m_size.height <= 0
-        || qint64(m_size.width) * m_size.height > MMImageDecoder::MaxPixels)
-        return -1;
+    // A result we could not open again (a side past 65535, or over the
+    // budget) is refused, not written.
     const QSize target(m_size.width, m_size.height);
+    if (image.isNull() || !MMDecodeBudget::allowsSize(target))
+        return -1;
     if (image.size() == target)
         return 0;
     // Qt's smooth scaling averages whole source areas when reducing.
