@@ -43,7 +43,8 @@ foreach(kind installed build-tree)
     set(expected_dir ${BUILD_DIR}/imageeditor)
   endif()
   run(${CMAKE_COMMAND} -S ${CONSUMER_DIR} -B ${out} -DCMAKE_CXX_COMPILER=${CXX}
-      -DCMAKE_FIND_USE_PACKAGE_REGISTRY=OFF ${where})
+      -DCMAKE_FIND_USE_PACKAGE_REGISTRY=OFF ${where}
+      "-DCMAKE_CXX_FLAGS=${CONSUMER_FLAGS}" "-DCMAKE_EXE_LINKER_FLAGS=${CONSUMER_FLAGS}")
   file(STRINGS ${out}/CMakeCache.txt found REGEX "^VoImageEditor_DIR:")
   if(NOT found MATCHES "=${expected_dir}$")
     message(FATAL_ERROR "${kind}: found the package at ${found}, not ${expected_dir}")
@@ -58,7 +59,8 @@ set(ENV{PKG_CONFIG_PATH} ${prefix}/${LIBDIR}/pkgconfig)
 run(${PKG_CONFIG} --cflags --libs voimageeditor)
 string(STRIP "${run_output}" flags)
 separate_arguments(flags UNIX_COMMAND "${flags}")
-run(${CXX} -std=c++17 -fPIC ${CONSUMER_DIR}/main.cpp -o ${WORK_DIR}/consumer-pc ${flags}
+separate_arguments(extra UNIX_COMMAND "${CONSUMER_FLAGS}")
+run(${CXX} -std=c++17 -fPIC ${extra} ${CONSUMER_DIR}/main.cpp -o ${WORK_DIR}/consumer-pc ${flags}
     -Wl,-rpath,${prefix}/${LIBDIR})
 run(${WORK_DIR}/consumer-pc ${photo})
 message(STATUS "pkg-config: ${run_output}")
