@@ -36,7 +36,11 @@ bool ImgImplImageStore::hasEnoughSpace(const QString &source, const QString &des
     struct stat src;
     if (stat(QFile::encodeName(source).constData(), &src) != 0)
         return false;
-    return ImgImplSafeSave::fits(src.st_size, QFile::encodeName(QFileInfo(destination).absolutePath()));
+    // Through a symlink the file is written beside its target, so that is
+    // the file system to ask, as the writer does.
+    const QFileInfo target(destination);
+    const QString resolved = target.exists() ? target.canonicalFilePath() : target.absoluteFilePath();
+    return ImgImplSafeSave::fits(src.st_size, QFile::encodeName(QFileInfo(resolved).absolutePath()));
 }
 
 int ImgImplImageStore::copyFile(const QString &source, const QString &destination, int *lockFd)

@@ -117,11 +117,14 @@ private slots:
         QTest::addColumn<qint64>("existing");
         QTest::addColumn<qint64>("offset"); // source size minus the exact limit
         QTest::addColumn<bool>("room");
-        QTest::newRow("new file at the limit") << qint64(0) << qint64(0) << false;
-        QTest::newRow("new file one byte under") << qint64(0) << qint64(-1) << true;
-        QTest::newRow("replacing, at the limit") << qint64(100 * 1024) << qint64(0) << false;
-        QTest::newRow("replacing, one byte under") << qint64(100 * 1024) << qint64(-1) << true;
-        QTest::newRow("fits only in place of the old") << qint64(100 * 1024) << qint64(50 * 1024) << false;
+        QTest::addColumn<bool>("throughLink"); // named by a symlink on another file system
+        QTest::newRow("new file at the limit") << qint64(0) << qint64(0) << false << false;
+        QTest::newRow("new file one byte under") << qint64(0) << qint64(-1) << true << false;
+        QTest::newRow("replacing, at the limit") << qint64(100 * 1024) << qint64(0) << false << false;
+        QTest::newRow("replacing, one byte under") << qint64(100 * 1024) << qint64(-1) << true << false;
+        QTest::newRow("fits only in place of the old") << qint64(100 * 1024) << qint64(50 * 1024) << false << false;
+        QTest::newRow("through a link, at the limit") << qint64(100 * 1024) << qint64(0) << false << true;
+        QTest::newRow("through a link, one byte under") << qint64(100 * 1024) << qint64(-1) << true << true;
     }
 
     void roomTestIsStrictOnARealFileSystem()
@@ -129,6 +132,7 @@ private slots:
         QFETCH(qint64, existing);
         QFETCH(qint64, offset);
         QFETCH(bool, room);
+        QFETCH(bool, throughLink);
         QTemporaryDir mountPoint;
         SmallFileSystem fs(mountPoint.path(), 512);
         if (!fs.mounted())
@@ -139,9 +143,15 @@ private slots:
             QVERIFY(writeBytes(target, old));
         const qint64 limit = fs.available() - 5 * fs.blockSize();
         QVERIFY(writeBytes(m_files.filePath("source"), QByteArray(limit + offset, 's')));
-        QCOMPARE(ImgImplImageStore::hasEnoughSpace(m_files.filePath("source"), target), room);
+        const QString named = throughLink ? m_files.filePath("link.jpg") : target;
+        QFile::remove(m_files.filePath("link.jpg"));
+        if (throughLink)
+            QVERIFY(QFile::link(target, named));
+        QCOMPARE(ImgImplImageStore::hasEnoughSpace(m_files.filePath("source"), named), room);
         // The write itself keeps the rule, and a refused one changes nothing.
-        QCOMPARE(ImgImplImageStore::copyFile(m_files.filePath("source"), target), room ? 0 : -1);
+        QCOMPARE(ImgImplImageStore::copyFile(m_files.filePath("source"), named), room ? 0 : -1);
+        if (throughLink)
+            QVERIFY(QFileInfo(named).isSymLink());
         if (!room)
             QCOMPARE(bytes(target), existing ? old : QByteArray());
         QCOMPARE(QDir(mountPoint.path()).entryList(QDir::Files | QDir::Hidden).size(), existing || room ? 1 : 0);
