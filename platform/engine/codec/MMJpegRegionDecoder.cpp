@@ -1,5 +1,6 @@
 #include "MMJpegRegionDecoder.h"
 #include "MMAreaScaler.h"
+#include "MMDecodeBudget.h"
 #include "MMJpegErrorJump.h"
 #include "MMJpegScanSplitter.h"
 #include <csetjmp>
@@ -393,7 +394,7 @@ void preferLargePages(QImage &out)
 
 // Reads the header as the parts will: whether the picture is grey and
 // whether it is progressive. False when it is neither grey nor 3-component.
-bool probe(Job &job, bool *grey, bool *progressive, bool *ycc)
+bool probe(Job &job, bool *grey, bool *progressive, bool *ycc, qint64 *coefficientBytes)
 {
     Decoder d;
     return withDecoder(d, [&] {
@@ -404,6 +405,11 @@ bool probe(Job &job, bool *grey, bool *progressive, bool *ycc)
         *grey = d.cinfo.jpeg_color_space == JCS_GRAYSCALE && d.cinfo.num_components == 1;
         *progressive = d.cinfo.progressive_mode;
         *ycc = d.cinfo.jpeg_color_space == JCS_YCbCr;
+        // What one decoder of a progressive stream holds: every coefficient.
+        *coefficientBytes = 0;
+        for (int c = 0; c < d.cinfo.num_components; ++c)
+            *coefficientBytes += qint64(d.cinfo.comp_info[c].width_in_blocks) * d.cinfo.comp_info[c].height_in_blocks
+                * DCTSIZE2 * qint64(sizeof(JCOEF));
         return *grey || d.cinfo.num_components == 3;
     });
 }
@@ -423,7 +429,8 @@ QImage MMJpegRegionDecoder::decode(const QByteArray &jpeg, const QSize &storedSi
             return QImage();
     }
     bool grey = false, progressive = false, ycc = false;
-    if (!probe(job, &grey, &progressive, &ycc))
+    qint64 coefficients = 0;
+    if (!probe(job, &grey, &progressive, &ycc, &coefficients))
         return QImage();
     if (grey) {
         job.space = JCS_GRAYSCALE;
@@ -454,12 +461,14 @@ QImage MMJpegRegionDecoder::decode(const QByteArray &jpeg, const QSize &storedSi
     // decoding them), so it gets fewer rows and both finish together. Every
     // scan of a progressive stream covers the whole picture, so it splits by
     // component instead: one part reads luma's scans, the other chroma's,
-    // and the two YCbCr halves are converted to RGB once joined.
+    // and the two YCbCr halves are converted to RGB once joined. Each part
+    // holds all the coefficients, so only where memory is to spare.
     const int rows = job.target.height();
     const bool large = std::thread::hardware_concurrency() > 1
         && qint64(rect.width()) * rect.height() >= kSplitPixels && rows >= 4 * kBandRows;
     MMJpegScanSplitter streams;
-    if (large && progressive && ycc && !job.dcOnly && job.target == rect.size() && streams.split(jpeg)) {
+    if (large && progressive && ycc && !job.dcOnly && job.target == rect.size()
+        && MMDecodeBudget::canSpareExtra(coefficients) && streams.split(jpeg)) {
         job.streams = &streams;
         bool chromaOk = false;
         std::thread worker([&] { chromaOk = decodePart(job, { 0, rows, MMJpegScanSplitter::Chroma }); });
