@@ -81,6 +81,61 @@ QByteArray contents(Exiv2::Image &image)
     return read == size ? out : QByteArray();
 }
 
+// Where the first scan's header starts, found by walking the segments ahead
+// of it; -1 when they are not laid out plainly.
+qsizetype firstScan(const QByteArray &jpeg)
+{
+    const auto *b = reinterpret_cast<const uchar *>(jpeg.constData());
+    const qsizetype n = jpeg.size();
+    if (n < 4 || b[0] != 0xFF || b[1] != 0xD8)
+        return -1;
+    qsizetype at = 2;
+    while (at + 4 <= n && b[at] == 0xFF && b[at + 1] != 0xD9) {
+        if (b[at + 1] == 0xDA)
+            return at;
+        at += 2 + ((b[at + 2] << 8) | b[at + 3]);
+    }
+    return -1;
+}
+
+// Exiv2 reads and rewrites only the segments ahead of the first scan and
+// copies the rest as it is; handing it the picture's header alone (closed
+// by the scan's header and an end marker) keeps it from copying the coded
+// picture, megabytes, twice. The header it returns is joined to the rest.
+struct Header
+{
+    QByteArray bytes;
+    qsizetype scan = -1; // in the whole picture
+};
+
+Header headerOf(const QByteArray &jpeg)
+{
+    Header h;
+    h.scan = firstScan(jpeg);
+    if (h.scan < 0 || h.scan + 4 > jpeg.size()) {
+        h.scan = -1;
+        h.bytes = jpeg;
+        return h;
+    }
+    const int length = (uchar(jpeg[h.scan + 2]) << 8) | uchar(jpeg[h.scan + 3]);
+    h.bytes = jpeg.left(h.scan + 2 + length) + QByteArray("\xFF\xD9", 2);
+    return h;
+}
+
+QByteArray withPicture(const QByteArray &header, const Header &h, const QByteArray &jpeg)
+{
+    if (h.scan < 0 || header.isEmpty())
+        return header;
+    const qsizetype scan = firstScan(header);
+    if (scan < 0)
+        return QByteArray();
+    QByteArray out;
+    out.reserve(scan + jpeg.size() - h.scan);
+    out.append(header.constData(), scan);
+    out.append(jpeg.constData() + h.scan, jpeg.size() - h.scan);
+    return out;
+}
+
 // Offset of the JFIF APP0 segment's payload among the markers ahead of the
 // image data, or -1.
 int jfifPayload(const QByteArray &jpeg)
@@ -143,8 +198,9 @@ QByteArray MMMetadata::transplantSegments(const QString &sourcePath, const QByte
             if (exif.empty() && xmp.empty() && iptc.empty() && !icc && comment.empty())
                 return jpeg;
 
-            auto target = Exiv2::ImageFactory::open(reinterpret_cast<const Exiv2::byte *>(jpeg.constData()),
-                                                    jpeg.size());
+            const Header header = headerOf(jpeg);
+            auto target = Exiv2::ImageFactory::open(
+                reinterpret_cast<const Exiv2::byte *>(header.bytes.constData()), long(header.bytes.size()));
             if (!target.get())
                 return QByteArray();
             target->readMetadata();
@@ -157,7 +213,7 @@ QByteArray MMMetadata::transplantSegments(const QString &sourcePath, const QByte
             if (!comment.empty())
                 target->setComment(comment);
             target->writeMetadata();
-            return contents(*target);
+            return withPicture(contents(*target), header, jpeg);
         } catch (...) {
         }
     }
@@ -168,7 +224,9 @@ QByteArray MMMetadata::normalize(const QByteArray &jpeg, const QSize &size, cons
 {
     initExiv2();
     try {
-        auto image = Exiv2::ImageFactory::open(reinterpret_cast<const Exiv2::byte *>(jpeg.constData()), jpeg.size());
+        const Header header = headerOf(jpeg);
+        auto image = Exiv2::ImageFactory::open(reinterpret_cast<const Exiv2::byte *>(header.bytes.constData()),
+                                               long(header.bytes.size()));
         if (!image.get())
             return QByteArray();
         image->readMetadata();
@@ -180,7 +238,7 @@ QByteArray MMMetadata::normalize(const QByteArray &jpeg, const QSize &size, cons
         image->setExifData(exif);
         image->setXmpData(xmp);
         image->writeMetadata();
-        return contents(*image);
+        return withPicture(contents(*image), header, jpeg);
     } catch (...) {
         return QByteArray();
     }
