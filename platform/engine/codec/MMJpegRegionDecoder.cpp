@@ -88,28 +88,33 @@ void place(const Placement &p, const unsigned char *src, ptrdiff_t srcStride, in
     }
 }
 
-// Copies channels [first, first + count) of YCbCr rows into the same bytes
-// of the turned result's pixels; the other part of the decode fills the rest.
+// Copies Y rows (1 byte a pixel) or the Cb and Cr of YCbCr rows (3 bytes
+// a pixel) into their bytes of the turned result's pixels, Y, Cb, Cr in
+// that order; the other part of the decode fills the rest.
 void placeChannels(const Placement &p, int bpp, const unsigned char *src, ptrdiff_t stride, int firstRow, int rows,
-                   int width, int first, int count)
+                   int width, bool luma)
 {
+    const int srcBpp = luma ? 1 : 3;
     auto copy = [&](unsigned char *dst, const unsigned char *s) {
-        dst[first] = s[first];
-        if (count == 2)
-            dst[first + 1] = s[first + 1];
+        if (luma) {
+            dst[0] = s[0];
+        } else {
+            dst[1] = s[1];
+            dst[2] = s[2];
+        }
     };
     if (p.stepX == bpp || p.stepX == -bpp) {
         for (int r = 0; r < rows; ++r) {
             unsigned char *dst = p.origin + (firstRow + r) * p.stepY;
             const unsigned char *s = src + r * stride;
-            for (int x = 0; x < width; ++x, dst += p.stepX, s += 3)
+            for (int x = 0; x < width; ++x, dst += p.stepX, s += srcBpp)
                 copy(dst, s);
         }
         return;
     }
     for (int x = 0; x < width; ++x) {
         unsigned char *dst = p.origin + x * p.stepX + firstRow * p.stepY;
-        const unsigned char *s = src + x * 3;
+        const unsigned char *s = src + x * srcBpp;
         for (int r = 0; r < rows; ++r, dst += p.stepY, s += stride)
             copy(dst, s);
     }
@@ -174,7 +179,8 @@ bool start(jpeg_decompress_struct &cinfo, const Job &job, const Share &share)
     if (job.streams) {
         // Each part lacks the other's AC scans; smoothing would invent them
         // (a whole stream is never smoothed: every coefficient is known).
-        cinfo.out_color_space = JCS_YCbCr;
+        // Luma's part asks for grey: libjpeg then reconstructs Y alone.
+        cinfo.out_color_space = share.part == MMJpegScanSplitter::Luma ? JCS_GRAYSCALE : JCS_YCbCr;
         cinfo.do_block_smoothing = FALSE;
     }
     return true;
@@ -274,9 +280,8 @@ bool runPart(Decoder &d, const Job &job, const Share &share)
             got += n;
         }
         if (job.streams) {
-            const bool luma = share.part == MMJpegScanSplitter::Luma;
             placeChannels(job.where, bpp, d.band.data() + column, ptrdiff_t(stride), row - rect.y(), got,
-                          rect.width(), luma ? 0 : 1, luma ? 1 : 2);
+                          rect.width(), share.part == MMJpegScanSplitter::Luma);
         } else if (!shrink) {
             placeBand(job.where, bpp, d.band.data() + column, ptrdiff_t(stride), row - rect.y(), got, rect.width());
         } else {
