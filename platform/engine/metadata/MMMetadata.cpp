@@ -220,6 +220,47 @@ QByteArray MMMetadata::transplantSegments(const QString &sourcePath, const QByte
     return QByteArray();
 }
 
+namespace {
+// The start marker and JFIF header libjpeg writes for a colour or grey
+// picture: version 1.01, no unit, 1:1 density, no thumbnail.
+const QByteArray kJfifStart("\xFF\xD8\xFF\xE0\x00\x10JFIF\x00\x01\x01\x00\x00\x01\x00\x01\x00\x00", 20);
+}
+
+MMMetadata::Segments MMMetadata::segmentsFor(const QString &sourcePath, const QSize &size,
+                                             const PictureSource &picture, bool keepIcc)
+{
+    // A header with no picture: the start, the JFIF header, a table, a scan
+    // header and the end. Exiv2 reads and writes only what comes before the
+    // scan, and puts what it adds in front of the first segment that is
+    // not an application one (the table).
+    const QByteArray table = QByteArray("\xFF\xDB\x00\x43\x00", 5) + QByteArray(64, '\x01');
+    const QByteArray stub
+        = kJfifStart + table + QByteArray("\xFF\xDA\x00\x08\x01\x01\x00\x00\x3F\x00\xFF\xD9", 12);
+    const QByteArray header = transplant(sourcePath, stub, size, picture, keepIcc);
+    Segments segments;
+    const auto *b = reinterpret_cast<const uchar *>(header.constData());
+    qsizetype at = 2;
+    while (at + 4 <= header.size() && b[at] == 0xFF && ((b[at + 1] >= 0xE0 && b[at + 1] <= 0xEF) || b[at + 1] == 0xFE))
+        at += 2 + ((b[at + 2] << 8) | b[at + 3]);
+    if (firstScan(header) < 0 || at + 4 > header.size() || header.mid(at, table.size()) != table)
+        return segments;
+    segments.ok = true;
+    segments.bytes = header.mid(2, at - 2);
+    return segments;
+}
+
+QByteArray MMMetadata::withSegments(const Segments &segments, const QByteArray &jpeg)
+{
+    if (!segments.ok || !jpeg.startsWith(kJfifStart))
+        return QByteArray();
+    QByteArray out;
+    out.reserve(2 + segments.bytes.size() + jpeg.size() - kJfifStart.size());
+    out.append(jpeg.constData(), 2);
+    out.append(segments.bytes);
+    out.append(jpeg.constData() + kJfifStart.size(), jpeg.size() - kJfifStart.size());
+    return out;
+}
+
 QByteArray MMMetadata::normalize(const QByteArray &jpeg, const QSize &size, const PictureSource &picture)
 {
     initExiv2();
