@@ -1,4 +1,5 @@
 #include "MMMetadata.h"
+#include "MMAreaScaler.h"
 #include "MMJpegCodec.h"
 #include <QBuffer>
 #include <QFile>
@@ -34,11 +35,32 @@ void setIfPresent(Exiv2::XmpData &data, const char *key, const std::string &valu
         *it = value;
 }
 
+// The thumbnail by an area average read straight from the picture: Qt's
+// smooth scaling would first widen a packed picture to 32 bits, a second
+// full-size copy while the encoders still hold theirs.
+QImage shrunk(const QImage &picture)
+{
+    const int channels = picture.format() == QImage::Format_RGB888 ? 3
+        : picture.format() == QImage::Format_RGB32                  ? 4
+        : picture.format() == QImage::Format_Grayscale8             ? 1
+                                                                    : 0;
+    const QSize size = picture.size().scaled(kThumbnailBound, Qt::KeepAspectRatio).expandedTo(QSize(1, 1));
+    if (channels == 0 || size.width() > picture.width() || size.height() > picture.height())
+        return picture.scaled(kThumbnailBound, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+    QImage small(size, picture.format());
+    if (small.isNull())
+        return small;
+    MMAreaScaler scaler(picture.size(), size, channels, 0, size.height());
+    for (int y = 0; y < picture.height(); ++y)
+        scaler.push(y, picture.constScanLine(y), [&small](int row) { return small.scanLine(row); });
+    return small;
+}
+
 QByteArray thumbnailJpeg(const QImage &picture)
 {
     if (picture.isNull())
         return QByteArray();
-    const QImage small = picture.scaled(kThumbnailBound, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+    const QImage small = shrunk(picture);
     return MMJpegCodec::encode(small, 80, MMJpegHeader::Sub420, false);
 }
 
