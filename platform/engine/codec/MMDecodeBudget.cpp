@@ -1,5 +1,6 @@
 #include "MMDecodeBudget.h"
 #include "MMJpegHeader.h"
+#include <QFile>
 
 bool MMDecodeBudget::allowsSize(const QSize &size)
 {
@@ -35,4 +36,20 @@ qint64 MMDecodeBudget::coefficientBytes(const MMJpegHeader &jpeg)
     }
     const qint64 samples = padded + padded * (jpeg.components() - 1) * chromaQuarters / 4;
     return samples * 2;
+}
+
+bool MMDecodeBudget::canSpareExtra(qint64 bytes)
+{
+    QFile meminfo(QStringLiteral("/proc/meminfo"));
+    if (!meminfo.open(QIODevice::ReadOnly))
+        return false;
+    // readAll: a /proc file says it is empty until read.
+    for (const QByteArray &line : meminfo.readAll().split('\n')) {
+        if (line.startsWith("MemAvailable:")) {
+            bool ok = false;
+            const qint64 kib = line.mid(13).trimmed().split(' ').value(0).toLongLong(&ok);
+            return ok && bytes >= 0 && bytes <= kib * 1024 / 4;
+        }
+    }
+    return false;
 }

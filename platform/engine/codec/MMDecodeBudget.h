@@ -33,4 +33,9 @@ public:
     // Bytes of DCT coefficients of the whole picture (all components at
     // their sampling, padded to whole 16 x 16 blocks).
     static qint64 coefficientBytes(const MMJpegHeader &jpeg);
+    // Whether memory beyond the budget may be spent to go faster (a second
+    // decoder's buffers): only when the system reports at least four times
+    // that much available. Never on a handset short of memory, nor where
+    // the system does not say.
+    static bool canSpareExtra(qint64 bytes);
 };

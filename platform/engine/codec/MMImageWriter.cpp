@@ -5,6 +5,7 @@
 #include "MMMetadata.h"
 #include <QBuffer>
 #include <QImageWriter>
+#include <thread>
 
 int MMImageWriter::write(const QImage &image, const QString &path, int jpegQuality)
 {
@@ -31,12 +32,25 @@ QByteArray MMImageWriter::encode(const QImage &image, const QString &path, const
         return QByteArray();
 
     if (format == "jpeg") {
+        if (options.metadataSource.isEmpty())
+            return MMJpegCodec::encode(image, options.jpegQuality, options.jpegSubsampling, options.jpegProgressive);
+        // The metadata needs the picture's size and a thumbnail of it, not
+        // its coding: it is made ready on a second thread while the
+        // picture is encoded, then put in front of it.
+        const auto picture = [&image] { return image; };
+        MMMetadata::Segments segments;
+        std::thread metadata([&] {
+            segments = MMMetadata::segmentsFor(options.metadataSource, image.size(), picture, options.keepIccProfile);
+        });
         const QByteArray jpeg = MMJpegCodec::encode(image, options.jpegQuality, options.jpegSubsampling,
                                                     options.jpegProgressive);
-        if (jpeg.isEmpty() || options.metadataSource.isEmpty())
+        metadata.join();
+        if (jpeg.isEmpty())
             return jpeg;
-        const QByteArray withMetadata = MMMetadata::transplant(options.metadataSource, jpeg, image.size(),
-                                                               [&image] { return image; }, options.keepIccProfile);
+        QByteArray withMetadata = MMMetadata::withSegments(segments, jpeg);
+        if (withMetadata.isEmpty())
+            withMetadata = MMMetadata::transplant(options.metadataSource, jpeg, image.size(), picture,
+                                                  options.keepIccProfile);
         // Metadata we cannot carry over must not cost the user the picture.
         return withMetadata.isEmpty() ? jpeg : withMetadata;
     }

@@ -6,8 +6,8 @@
 // scan of a progressive stream is coded on its own (with its own optimised
 // Huffman tables), so one encoder writes the DC and luma scans and a second
 // the chroma scans, each from the same pixels, and the scans are joined into
-// one stream: the scans of the usual progression (libjpeg's simple one),
-// the chroma ones last, with the same coefficients as a one-piece encode.
+// one stream, the chroma ones last, with the same coefficients as a
+// one-piece encode.
 class MMJpegProgressiveEncoder
 {
 public:

@@ -1,7 +1,10 @@
 #include "MMJpegRegionDecoder.h"
 #include "MMAreaScaler.h"
+#include "MMDecodeBudget.h"
 #include "MMJpegErrorJump.h"
+#include "MMJpegScanSplitter.h"
 #include <csetjmp>
+#include <sys/mman.h>
 #include <cstdio>
 #include <cstring>
 #include <memory>
@@ -85,6 +88,38 @@ void place(const Placement &p, const unsigned char *src, ptrdiff_t srcStride, in
     }
 }
 
+// Copies Y rows (1 byte a pixel) or the Cb and Cr of YCbCr rows (3 bytes
+// a pixel) into their bytes of the turned result's pixels, Y, Cb, Cr in
+// that order; the other part of the decode fills the rest.
+void placeChannels(const Placement &p, int bpp, const unsigned char *src, ptrdiff_t stride, int firstRow, int rows,
+                   int width, bool luma)
+{
+    const int srcBpp = luma ? 1 : 3;
+    auto copy = [&](unsigned char *dst, const unsigned char *s) {
+        if (luma) {
+            dst[0] = s[0];
+        } else {
+            dst[1] = s[1];
+            dst[2] = s[2];
+        }
+    };
+    if (p.stepX == bpp || p.stepX == -bpp) {
+        for (int r = 0; r < rows; ++r) {
+            unsigned char *dst = p.origin + (firstRow + r) * p.stepY;
+            const unsigned char *s = src + r * stride;
+            for (int x = 0; x < width; ++x, dst += p.stepX, s += srcBpp)
+                copy(dst, s);
+        }
+        return;
+    }
+    for (int x = 0; x < width; ++x) {
+        unsigned char *dst = p.origin + x * p.stepX + firstRow * p.stepY;
+        const unsigned char *s = src + x * srcBpp;
+        for (int r = 0; r < rows; ++r, dst += p.stepY, s += stride)
+            copy(dst, s);
+    }
+}
+
 void placeBand(const Placement &p, int bpp, const unsigned char *src, ptrdiff_t stride, int firstRow, int rows,
                int width)
 {
@@ -107,14 +142,28 @@ struct Job
     int bpp;
     Placement where;     // into the turned result, in target pixels
     bool dcOnly = false; // progressive at 1/8: stop reading once DC is whole
+    MMJpegScanSplitter *streams = nullptr; // set when luma and chroma are decoded apart
+};
+
+// One decoder's share of a job: target rows [firstOut, endOut), and when the
+// job's stream is split, which part it reads (its channels of the YCbCr
+// result: Y, or Cb and Cr).
+struct Share
+{
+    int firstOut;
+    int endOut;
+    MMJpegScanSplitter::Part part = MMJpegScanSplitter::Luma;
 };
 
 // Opens the stream and starts a decompression as every part of job does it.
 // False when the stream is not the picture the header promised.
-bool start(jpeg_decompress_struct &cinfo, const Job &job)
+bool start(jpeg_decompress_struct &cinfo, const Job &job, const Share &share)
 {
-    jpeg_mem_src(&cinfo, reinterpret_cast<const unsigned char *>(job.jpeg->constData()),
-                 (unsigned long)job.jpeg->size());
+    if (job.streams)
+        job.streams->attach(&cinfo, share.part);
+    else
+        jpeg_mem_src(&cinfo, reinterpret_cast<const unsigned char *>(job.jpeg->constData()),
+                     (unsigned long)job.jpeg->size());
     if (jpeg_read_header(&cinfo, TRUE) != JPEG_HEADER_OK)
         return false;
     if (int(cinfo.image_width) != job.storedSize.width() || int(cinfo.image_height) != job.storedSize.height())
@@ -127,6 +176,13 @@ bool start(jpeg_decompress_struct &cinfo, const Job &job)
     cinfo.scale_num = 1;
     cinfo.scale_denom = (unsigned int)job.denom;
     cinfo.out_color_space = job.space;
+    if (job.streams) {
+        // Each part lacks the other's AC scans; smoothing would invent them
+        // (a whole stream is never smoothed: every coefficient is known).
+        // Luma's part asks for grey: libjpeg then reconstructs Y alone.
+        cinfo.out_color_space = share.part == MMJpegScanSplitter::Luma ? JCS_GRAYSCALE : JCS_YCbCr;
+        cinfo.do_block_smoothing = FALSE;
+    }
     return true;
 }
 
@@ -156,10 +212,11 @@ bool consumeUntilDcWhole(jpeg_decompress_struct &cinfo)
 // Decodes target rows [firstOut, endOut) of job (all of the rect's rows when
 // not shrinking) and places them. Runs on its own decompressor, so that two
 // parts can run at once.
-bool runPart(Decoder &d, const Job &job, int firstOut, int endOut)
+bool runPart(Decoder &d, const Job &job, const Share &share)
 {
+    const int firstOut = share.firstOut, endOut = share.endOut;
     jpeg_decompress_struct &cinfo = d.cinfo;
-    if (!start(cinfo, job))
+    if (!start(cinfo, job, share))
         return false;
     // Only when every component is reduced to 1 x 1 blocks: libjpeg may
     // scale subsampled chroma by a larger inverse DCT instead of upsampling,
@@ -191,7 +248,7 @@ bool runPart(Decoder &d, const Job &job, int firstOut, int endOut)
     if (width < cinfo.output_width)
         jpeg_crop_scanline(&cinfo, &xoffset, &width);
     const int bpp = job.bpp;
-    const int column = (rect.x() - int(xoffset)) * bpp;
+    const int column = (rect.x() - int(xoffset)) * cinfo.output_components;
     const size_t stride = size_t(cinfo.output_width) * cinfo.output_components;
     d.band.resize(stride * kBandRows);
     JSAMPROW rows[kBandRows];
@@ -222,7 +279,10 @@ bool runPart(Decoder &d, const Job &job, int firstOut, int endOut)
                 return false;
             got += n;
         }
-        if (!shrink) {
+        if (job.streams) {
+            placeChannels(job.where, bpp, d.band.data() + column, ptrdiff_t(stride), row - rect.y(), got,
+                          rect.width(), share.part == MMJpegScanSplitter::Luma);
+        } else if (!shrink) {
             placeBand(job.where, bpp, d.band.data() + column, ptrdiff_t(stride), row - rect.y(), got, rect.width());
         } else {
             for (int i = 0; i < got; ++i) {
@@ -267,15 +327,79 @@ template <class Body> bool withDecoder(Decoder &d, Body body)
 
 // Runs part of job on a decompressor of its own, out of reach of a longjmp
 // from any other.
-bool decodePart(const Job &job, int firstOut, int endOut)
+bool decodePart(const Job &job, const Share &share)
 {
     Decoder d;
-    return withDecoder(d, [&] { return runPart(d, job, firstOut, endOut); });
+    return withDecoder(d, [&] { return runPart(d, job, share); });
+}
+
+// YCbCr to RGB exactly as libjpeg converts (the same fixed-point tables and
+// rounding), so that a picture decoded in two parts equals one decoded whole.
+struct YccTables
+{
+    int crR[256], cbB[256], crG[256], cbG[256];
+    YccTables()
+    {
+        auto fix = [](double v) { return int(v * 65536.0 + 0.5); };
+        for (int i = 0; i < 256; ++i) {
+            const int x = i - 128;
+            crR[i] = (fix(1.40200) * x + 32768) >> 16;
+            cbB[i] = (fix(1.77200) * x + 32768) >> 16;
+            crG[i] = -fix(0.71414) * x;
+            cbG[i] = -fix(0.34414) * x + 32768;
+        }
+    }
+};
+
+unsigned char clampByte(int v)
+{
+    return (unsigned char)(v < 0 ? 0 : v > 255 ? 255 : v);
+}
+
+// Turns rows [first, end) of out, holding Y, Cb, Cr in its first three bytes
+// of each pixel, into out's own RGB layout.
+void yccToRgb(QImage &out, int first, int end)
+{
+    static const YccTables t;
+    const int bpp = out.format() == QImage::Format_RGB888 ? 3 : 4;
+    for (int y = first; y < end; ++y) {
+        unsigned char *p = out.scanLine(y);
+        for (int x = 0; x < out.width(); ++x, p += bpp) {
+            const int l = p[0], cb = p[1], cr = p[2];
+            const unsigned char r = clampByte(l + t.crR[cr]), g = clampByte(l + ((t.cbG[cb] + t.crG[cr]) >> 16)),
+                                b = clampByte(l + t.cbB[cb]);
+            if (bpp == 3) {
+                p[0] = r, p[1] = g, p[2] = b;
+            } else {
+#if Q_BYTE_ORDER == Q_LITTLE_ENDIAN
+                p[0] = b, p[1] = g, p[2] = r, p[3] = 0xFF;
+#else
+                p[0] = 0xFF, p[1] = r, p[2] = g, p[3] = b;
+#endif
+            }
+        }
+    }
+}
+
+// A turned picture is written across all of its rows at once, a few bytes
+// to each row per band; with 4 KiB pages nearly every write misses the TLB.
+// Large pages, where the system offers them, make that cost disappear.
+void preferLargePages(QImage &out)
+{
+#ifdef MADV_HUGEPAGE
+    const uintptr_t large = uintptr_t(2) << 20;
+    const auto from = (uintptr_t(out.bits()) + large - 1) & ~(large - 1);
+    const auto to = (uintptr_t(out.bits()) + uintptr_t(out.sizeInBytes())) & ~(large - 1);
+    if (to > from)
+        madvise(reinterpret_cast<void *>(from), to - from, MADV_HUGEPAGE);
+#else
+    Q_UNUSED(out);
+#endif
 }
 
 // Reads the header as the parts will: whether the picture is grey and
 // whether it is progressive. False when it is neither grey nor 3-component.
-bool probe(Job &job, bool *grey, bool *progressive)
+bool probe(Job &job, bool *grey, bool *progressive, bool *ycc, qint64 *coefficientBytes)
 {
     Decoder d;
     return withDecoder(d, [&] {
@@ -285,6 +409,12 @@ bool probe(Job &job, bool *grey, bool *progressive)
             return false;
         *grey = d.cinfo.jpeg_color_space == JCS_GRAYSCALE && d.cinfo.num_components == 1;
         *progressive = d.cinfo.progressive_mode;
+        *ycc = d.cinfo.jpeg_color_space == JCS_YCbCr;
+        // What one decoder of a progressive stream holds: every coefficient.
+        *coefficientBytes = 0;
+        for (int c = 0; c < d.cinfo.num_components; ++c)
+            *coefficientBytes += qint64(d.cinfo.comp_info[c].width_in_blocks) * d.cinfo.comp_info[c].height_in_blocks
+                * DCTSIZE2 * qint64(sizeof(JCOEF));
         return *grey || d.cinfo.num_components == 3;
     });
 }
@@ -303,8 +433,9 @@ QImage MMJpegRegionDecoder::decode(const QByteArray &jpeg, const QSize &storedSi
         if (job.target.isEmpty() || job.target.width() > rect.width() || job.target.height() > rect.height())
             return QImage();
     }
-    bool grey = false, progressive = false;
-    if (!probe(job, &grey, &progressive))
+    bool grey = false, progressive = false, ycc = false;
+    qint64 coefficients = 0;
+    if (!probe(job, &grey, &progressive, &ycc, &coefficients))
         return QImage();
     if (grey) {
         job.space = JCS_GRAYSCALE;
@@ -325,23 +456,43 @@ QImage MMJpegRegionDecoder::decode(const QByteArray &jpeg, const QSize &storedSi
     QImage out(orientation.map(job.target), format);
     if (out.isNull())
         return QImage();
+    preferLargePages(out);
     job.where = placement(out, orientation, job.target, job.bpp);
     job.dcOnly = progressive && scaleDenom == 8
         && rect == QRect(0, 0, (storedSize.width() + 7) / 8, (storedSize.height() + 7) / 8);
 
-    // A baseline stream splits in two: the second part entropy-decodes the
-    // first part's rows only to skip them (about half the cost of decoding
-    // them), so it gets fewer rows and both finish together. A progressive
-    // stream has to be read whole by each part, so it stays in one.
+    // A baseline stream splits in two by rows: the second part entropy-
+    // decodes the first part's rows only to skip them (about half the cost of
+    // decoding them), so it gets fewer rows and both finish together. Every
+    // scan of a progressive stream covers the whole picture, so it splits by
+    // component instead: one part reads luma's scans, the other chroma's,
+    // and the two YCbCr halves are converted to RGB once joined. Each part
+    // holds all the coefficients, so only where memory is to spare.
     const int rows = job.target.height();
-    const bool split = !progressive && std::thread::hardware_concurrency() > 1
+    const bool large = std::thread::hardware_concurrency() > 1
         && qint64(rect.width()) * rect.height() >= kSplitPixels && rows >= 4 * kBandRows;
-    if (!split)
-        return decodePart(job, 0, rows) ? out : QImage();
+    MMJpegScanSplitter streams;
+    if (large && progressive && ycc && !job.dcOnly && job.target == rect.size()
+        && MMDecodeBudget::canSpareExtra(coefficients) && streams.split(jpeg)) {
+        job.streams = &streams;
+        bool chromaOk = false;
+        std::thread worker([&] { chromaOk = decodePart(job, { 0, rows, MMJpegScanSplitter::Chroma }); });
+        const bool lumaOk = decodePart(job, { 0, rows, MMJpegScanSplitter::Luma });
+        worker.join();
+        if (!lumaOk || !chromaOk)
+            return QImage();
+        const int half = out.height() / 2;
+        std::thread converter([&] { yccToRgb(out, half, out.height()); });
+        yccToRgb(out, 0, half);
+        converter.join();
+        return out;
+    }
+    if (!large || progressive)
+        return decodePart(job, { 0, rows }) ? out : QImage();
     const int middle = int(rows * kFirstPartShare);
     bool second = false;
-    std::thread worker([&] { second = decodePart(job, middle, rows); });
-    const bool firstOk = decodePart(job, 0, middle);
+    std::thread worker([&] { second = decodePart(job, { middle, rows }); });
+    const bool firstOk = decodePart(job, { 0, middle });
     worker.join();
     return firstOk && second ? out : QImage();
 }

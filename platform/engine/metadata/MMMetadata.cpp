@@ -1,4 +1,5 @@
 #include "MMMetadata.h"
+#include "MMAreaScaler.h"
 #include "MMJpegCodec.h"
 #include <QBuffer>
 #include <QFile>
@@ -34,11 +35,32 @@ void setIfPresent(Exiv2::XmpData &data, const char *key, const std::string &valu
         *it = value;
 }
 
+// The thumbnail by an area average read straight from the picture: Qt's
+// smooth scaling would first widen a packed picture to 32 bits, a second
+// full-size copy while the encoders still hold theirs.
+QImage shrunk(const QImage &picture)
+{
+    const int channels = picture.format() == QImage::Format_RGB888 ? 3
+        : picture.format() == QImage::Format_RGB32                  ? 4
+        : picture.format() == QImage::Format_Grayscale8             ? 1
+                                                                    : 0;
+    const QSize size = picture.size().scaled(kThumbnailBound, Qt::KeepAspectRatio).expandedTo(QSize(1, 1));
+    if (channels == 0 || size.width() > picture.width() || size.height() > picture.height())
+        return picture.scaled(kThumbnailBound, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+    QImage small(size, picture.format());
+    if (small.isNull())
+        return small;
+    MMAreaScaler scaler(picture.size(), size, channels, 0, size.height());
+    for (int y = 0; y < picture.height(); ++y)
+        scaler.push(y, picture.constScanLine(y), [&small](int row) { return small.scanLine(row); });
+    return small;
+}
+
 QByteArray thumbnailJpeg(const QImage &picture)
 {
     if (picture.isNull())
         return QByteArray();
-    const QImage small = picture.scaled(kThumbnailBound, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+    const QImage small = shrunk(picture);
     return MMJpegCodec::encode(small, 80, MMJpegHeader::Sub420, false);
 }
 
@@ -79,6 +101,61 @@ QByteArray contents(Exiv2::Image &image)
     const long read = io.read(reinterpret_cast<Exiv2::byte *>(out.data()), size);
     io.close();
     return read == size ? out : QByteArray();
+}
+
+// Where the first scan's header starts, found by walking the segments ahead
+// of it; -1 when they are not laid out plainly.
+qsizetype firstScan(const QByteArray &jpeg)
+{
+    const auto *b = reinterpret_cast<const uchar *>(jpeg.constData());
+    const qsizetype n = jpeg.size();
+    if (n < 4 || b[0] != 0xFF || b[1] != 0xD8)
+        return -1;
+    qsizetype at = 2;
+    while (at + 4 <= n && b[at] == 0xFF && b[at + 1] != 0xD9) {
+        if (b[at + 1] == 0xDA)
+            return at;
+        at += 2 + ((b[at + 2] << 8) | b[at + 3]);
+    }
+    return -1;
+}
+
+// Exiv2 reads and rewrites only the segments ahead of the first scan and
+// copies the rest as it is; handing it the picture's header alone (closed
+// by the scan's header and an end marker) keeps it from copying the coded
+// picture, megabytes, twice. The header it returns is joined to the rest.
+struct Header
+{
+    QByteArray bytes;
+    qsizetype scan = -1; // in the whole picture
+};
+
+Header headerOf(const QByteArray &jpeg)
+{
+    Header h;
+    h.scan = firstScan(jpeg);
+    if (h.scan < 0 || h.scan + 4 > jpeg.size()) {
+        h.scan = -1;
+        h.bytes = jpeg;
+        return h;
+    }
+    const int length = (uchar(jpeg[h.scan + 2]) << 8) | uchar(jpeg[h.scan + 3]);
+    h.bytes = jpeg.left(h.scan + 2 + length) + QByteArray("\xFF\xD9", 2);
+    return h;
+}
+
+QByteArray withPicture(const QByteArray &header, const Header &h, const QByteArray &jpeg)
+{
+    if (h.scan < 0 || header.isEmpty())
+        return header;
+    const qsizetype scan = firstScan(header);
+    if (scan < 0)
+        return QByteArray();
+    QByteArray out;
+    out.reserve(scan + jpeg.size() - h.scan);
+    out.append(header.constData(), scan);
+    out.append(jpeg.constData() + h.scan, jpeg.size() - h.scan);
+    return out;
 }
 
 // Offset of the JFIF APP0 segment's payload among the markers ahead of the
@@ -143,8 +220,9 @@ QByteArray MMMetadata::transplantSegments(const QString &sourcePath, const QByte
             if (exif.empty() && xmp.empty() && iptc.empty() && !icc && comment.empty())
                 return jpeg;
 
-            auto target = Exiv2::ImageFactory::open(reinterpret_cast<const Exiv2::byte *>(jpeg.constData()),
-                                                    jpeg.size());
+            const Header header = headerOf(jpeg);
+            auto target = Exiv2::ImageFactory::open(
+                reinterpret_cast<const Exiv2::byte *>(header.bytes.constData()), long(header.bytes.size()));
             if (!target.get())
                 return QByteArray();
             target->readMetadata();
@@ -157,18 +235,61 @@ QByteArray MMMetadata::transplantSegments(const QString &sourcePath, const QByte
             if (!comment.empty())
                 target->setComment(comment);
             target->writeMetadata();
-            return contents(*target);
+            return withPicture(contents(*target), header, jpeg);
         } catch (...) {
         }
     }
     return QByteArray();
 }
 
+namespace {
+// The start marker and JFIF header libjpeg writes for a colour or grey
+// picture: version 1.01, no unit, 1:1 density, no thumbnail.
+const QByteArray kJfifStart("\xFF\xD8\xFF\xE0\x00\x10JFIF\x00\x01\x01\x00\x00\x01\x00\x01\x00\x00", 20);
+}
+
+MMMetadata::Segments MMMetadata::segmentsFor(const QString &sourcePath, const QSize &size,
+                                             const PictureSource &picture, bool keepIcc)
+{
+    // A header with no picture: the start, the JFIF header, a table, a scan
+    // header and the end. Exiv2 reads and writes only what comes before the
+    // scan, and puts what it adds in front of the first segment that is
+    // not an application one (the table).
+    const QByteArray table = QByteArray("\xFF\xDB\x00\x43\x00", 5) + QByteArray(64, '\x01');
+    const QByteArray stub
+        = kJfifStart + table + QByteArray("\xFF\xDA\x00\x08\x01\x01\x00\x00\x3F\x00\xFF\xD9", 12);
+    const QByteArray header = transplant(sourcePath, stub, size, picture, keepIcc);
+    Segments segments;
+    const auto *b = reinterpret_cast<const uchar *>(header.constData());
+    qsizetype at = 2;
+    while (at + 4 <= header.size() && b[at] == 0xFF && ((b[at + 1] >= 0xE0 && b[at + 1] <= 0xEF) || b[at + 1] == 0xFE))
+        at += 2 + ((b[at + 2] << 8) | b[at + 3]);
+    if (firstScan(header) < 0 || at + 4 > header.size() || header.mid(at, table.size()) != table)
+        return segments;
+    segments.ok = true;
+    segments.bytes = header.mid(2, at - 2);
+    return segments;
+}
+
+QByteArray MMMetadata::withSegments(const Segments &segments, const QByteArray &jpeg)
+{
+    if (!segments.ok || !jpeg.startsWith(kJfifStart))
+        return QByteArray();
+    QByteArray out;
+    out.reserve(2 + segments.bytes.size() + jpeg.size() - kJfifStart.size());
+    out.append(jpeg.constData(), 2);
+    out.append(segments.bytes);
+    out.append(jpeg.constData() + kJfifStart.size(), jpeg.size() - kJfifStart.size());
+    return out;
+}
+
 QByteArray MMMetadata::normalize(const QByteArray &jpeg, const QSize &size, const PictureSource &picture)
 {
     initExiv2();
     try {
-        auto image = Exiv2::ImageFactory::open(reinterpret_cast<const Exiv2::byte *>(jpeg.constData()), jpeg.size());
+        const Header header = headerOf(jpeg);
+        auto image = Exiv2::ImageFactory::open(reinterpret_cast<const Exiv2::byte *>(header.bytes.constData()),
+                                               long(header.bytes.size()));
         if (!image.get())
             return QByteArray();
         image->readMetadata();
@@ -180,7 +301,7 @@ QByteArray MMMetadata::normalize(const QByteArray &jpeg, const QSize &size, cons
         image->setExifData(exif);
         image->setXmpData(xmp);
         image->writeMetadata();
-        return contents(*image);
+        return withPicture(contents(*image), header, jpeg);
     } catch (...) {
         return QByteArray();
     }

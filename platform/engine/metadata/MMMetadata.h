@@ -21,6 +21,21 @@ public:
     // profile must not describe RGB output).
     static QByteArray transplant(const QString &sourcePath, const QByteArray &jpeg, const QSize &size,
                                  const PictureSource &picture, bool keepIcc);
+    // The same, made ready without the coded picture (so while it is being
+    // encoded): the metadata segments for a JFIF stream of size, to follow
+    // its start marker. ok false on failure.
+    struct Segments
+    {
+        bool ok = false;
+        QByteArray bytes;
+    };
+    static Segments segmentsFor(const QString &sourcePath, const QSize &size, const PictureSource &picture,
+                                bool keepIcc);
+    // jpeg, as our encoders write it (start marker, then the plain JFIF
+    // header), with its header replaced by segments; empty when jpeg does
+    // not begin as expected.
+    static QByteArray withSegments(const Segments &segments, const QByteArray &jpeg);
+
 private:
     static QByteArray transplantSegments(const QString &sourcePath, const QByteArray &jpeg, const QSize &size,
                                          const PictureSource &picture, bool keepIcc);

@@ -56,9 +56,9 @@ QByteArray readFile(const QString &path)
 // Turns a JPEG by moving its DCT coefficients: no loss, and the markers are
 // kept. -1 when the size does not allow a perfect transform (or the stream
 // will not transform), so the caller decodes instead.
-int runLossless(const QString &in, const QString &out, const MMImageHeader &header, const MMOrientation &edits)
+int runLossless(const QString &in, const QByteArray &source, const QString &out, const MMImageHeader &header,
+                const MMOrientation &edits)
 {
-    const QByteArray source = readFile(in);
     if (source.isEmpty())
         return -1;
     // The stored pixels are first turned upright, then edited.
@@ -103,11 +103,12 @@ MMEncodeOptions encodeOptions(const MMImageHeader &header, const QByteArray &for
 
 // Replays a plan on a 1- or 3-component JPEG: only the needed part is
 // decoded, already turned. A null image when the plan cannot be replayed.
-QImage decodePlanned(const QString &in, const MMImageHeader &header, const MMEditPlanner::Plan &plan, bool toJpeg)
+QImage decodePlanned(const QByteArray &source, const MMImageHeader &header, const MMEditPlanner::Plan &plan,
+                     bool toJpeg)
 {
     // Three bytes a pixel when nothing but the encoder will read them.
     const bool packed = toJpeg && plan.rest.empty();
-    QImage image = MMJpegRegionDecoder::decode(readFile(in), header.storedSize(), plan.scaleDenom, plan.decodeRect,
+    QImage image = MMJpegRegionDecoder::decode(source, header.storedSize(), plan.scaleDenom, plan.decodeRect,
                                                plan.orientation, packed ? QImage::Format_RGB888 : QImage::Format_RGB32,
                                                plan.resizeTo);
     if (image.isNull() || !plan.resizeTo.isValid())
@@ -142,8 +143,12 @@ int MMCommandRunner::run(const MMImageSource &source, const MMImageSource &desti
         const QByteArray bytes = readFile(in);
         return bytes.isEmpty() ? -1 : MMAtomicFile::write(out, bytes);
     }
+    // A JPEG is read once, whether it is then turned losslessly or decoded.
+    QByteArray jpegBytes;
+    if (header.format() == MM_FORMAT_JPEG)
+        jpegBytes = readFile(in);
     if (geometryOnly && sameFormat && header.format() == MM_FORMAT_JPEG) {
-        const int lossless = runLossless(in, out, header, edits);
+        const int lossless = runLossless(in, jpegBytes, out, header, edits);
         if (lossless == 0)
             return 0;
         if (lossless == -2)
@@ -154,7 +159,8 @@ int MMCommandRunner::run(const MMImageSource &source, const MMImageSource &desti
     if (header.format() == MM_FORMAT_JPEG && (components == 1 || components == 3)) {
         const MMEditPlanner::Plan plan = MMEditPlanner::plan(header.storedSize(), header.orientation(), commands);
         if (plan.valid) {
-            QImage image = decodePlanned(in, header, plan, format == "jpeg");
+            QImage image = decodePlanned(jpegBytes, header, plan, format == "jpeg");
+            jpegBytes = QByteArray(); // not held through the encode
             if (image.isNull())
                 return -1;
             for (const MMCommand *command : plan.rest) {
@@ -165,6 +171,7 @@ int MMCommandRunner::run(const MMImageSource &source, const MMImageSource &desti
         }
     }
 
+    jpegBytes = QByteArray();
     QImage image = MMImageDecoder::decode(in);
     if (image.isNull())
         return -1;

@@ -31,6 +31,8 @@ private slots:
     void qualityIsEstimated();
     void regionDecodeEqualsFullDecode_data();
     void regionDecodeEqualsFullDecode();
+    void splitDecodeRefusesDamageInEitherPart_data();
+    void splitDecodeRefusesDamageInEitherPart();
     void plannedSaveMatchesNaiveReplay_data();
     void plannedSaveMatchesNaiveReplay();
     void shrinkWhileDecodingAveragesAreas_data();
@@ -240,7 +242,10 @@ void TestEngineJpeg::regionDecodeEqualsFullDecode_data()
     QTest::newRow("split 4:2:2 region, mirrored") << "2x1" << 1 << QRect(41, 300, 1100, 700) << 2 << QSize(1280, 1024);
     QTest::newRow("split grey whole") << "grey" << 1 << QRect(0, 0, 1280, 1024) << 1 << QSize(1280, 1024);
     QTest::newRow("split 4:2:0 half scale") << "2x2" << 2 << QRect(0, 0, 1100, 1000) << 8 << QSize(2200, 2000);
-    QTest::newRow("progressive stays whole") << "2x2 -progressive" << 1 << QRect(7, 9, 1200, 1000) << 6 << QSize(1280, 1024);
+    // Progressive and large: luma and chroma decoded apart, then joined.
+    QTest::newRow("split progressive 4:2:0 turned right") << "2x2 -progressive" << 1 << QRect(7, 9, 1200, 1000) << 6 << QSize(1280, 1024);
+    QTest::newRow("split progressive 4:2:2 region, mirrored") << "2x1 -progressive" << 1 << QRect(41, 300, 1100, 700) << 2 << QSize(1280, 1024);
+    QTest::newRow("split progressive 4:4:4 whole, turned left") << "1x1 -progressive" << 1 << QRect(0, 0, 1280, 1024) << 8 << QSize(1280, 1024);
 }
 
 void TestEngineJpeg::regionDecodeEqualsFullDecode()
@@ -267,6 +272,38 @@ void TestEngineJpeg::regionDecodeEqualsFullDecode()
     QCOMPARE(region, turn.apply(full.copy(rect)));
     const QImage packed = MMJpegRegionDecoder::decode(data, stored, scale, rect, turn, QImage::Format_RGB888);
     QCOMPARE(packed.convertToFormat(region.format()), region);
+}
+
+void TestEngineJpeg::splitDecodeRefusesDamageInEitherPart_data()
+{
+    QTest::addColumn<int>("component"); // whose first AC scan is damaged
+    QTest::newRow("luma's scan") << 1;
+    QTest::newRow("chroma's scan") << 3;
+}
+
+// Each part of a progressive picture decoded by component reads only some
+// of the scans: damage in a scan either part reads must still fail the
+// whole decode, never come out as a picture.
+void TestEngineJpeg::splitDecodeRefusesDamageInEitherPart()
+{
+    QFETCH(int, component);
+    const QString ppm = path("damaged.ppm"), jpeg = path("damaged.jpg");
+    QVERIFY(detailedPhoto(QSize(1280, 1024)).save(ppm, "PPM"));
+    QVERIFY(run("cjpeg", { "-progressive", "-quality", "90", "-outfile", jpeg, ppm }));
+    QByteArray data = bytes(jpeg);
+    const QSize size(1280, 1024);
+    QVERIFY(!MMJpegRegionDecoder::decode(data, size, 1, QRect(QPoint(), size), MMOrientation(), QImage::Format_RGB32)
+                 .isNull());
+    // An AC scan header: FF DA, length 8, one component, its id.
+    const QByteArray header = QByteArray("\xFF\xDA\x00\x08\x01", 5) + char(component);
+    const qsizetype scan = data.indexOf(header);
+    QVERIFY(scan > 0);
+    // A marker in the middle of the scan's coded data cuts it short.
+    data[scan + 400] = char(0xFF);
+    data[scan + 401] = char(0xD3);
+
+    QVERIFY(MMJpegRegionDecoder::decode(data, size, 1, QRect(QPoint(), size), MMOrientation(), QImage::Format_RGB32)
+                .isNull());
 }
 
 void TestEngineJpeg::plannedSaveMatchesNaiveReplay_data()

@@ -106,6 +106,8 @@ class TestEngineHostile : public QObject
 private slots:
     void bombIsRefusedFromItsHeader_data();
     void bombIsRefusedFromItsHeader();
+    void extraMemoryOnlyWhereItIsToSpare_data();
+    void extraMemoryOnlyWhereItIsToSpare();
     void pictureAtTheLimitOpensAndSaves_data();
     void pictureAtTheLimitOpensAndSaves();
     void damagedOrMisnamedFile_data();
@@ -173,6 +175,24 @@ void TestEngineHostile::bombIsRefusedFromItsHeader()
 
 // A picture of exactly the budget opens (header and preview) and saves
 // edited over itself, in each format the budget treats differently.
+void TestEngineHostile::extraMemoryOnlyWhereItIsToSpare_data()
+{
+    QTest::addColumn<qint64>("bytes");
+    QTest::addColumn<bool>("spared");
+    QTest::newRow("a second decoder of a small picture") << qint64(1) * 1024 * 1024 << true;
+    QTest::newRow("more than any machine has") << (qint64(1) << 50) << false;
+    QTest::newRow("nonsense") << qint64(-1) << false;
+}
+
+// Faster paths that hold more memory than the budget (a second decoder)
+// ask the system first; a wrong reading would put them on every handset.
+void TestEngineHostile::extraMemoryOnlyWhereItIsToSpare()
+{
+    QFETCH(qint64, bytes);
+    QFETCH(bool, spared);
+    QCOMPARE(MMDecodeBudget::canSpareExtra(bytes), spared);
+}
+
 void TestEngineHostile::pictureAtTheLimitOpensAndSaves_data()
 {
     QTest::addColumn<QByteArray>("format");
