@@ -2,4 +2,4 @@
 set(CMAKE_SYSTEM_PROCESSOR aarch64)
 set(VO_TRIPLET aarch64-linux-gnu)
 set(VO_QEMU /usr/bin/qemu-aarch64-static)
-include(${CMAKE_CURRENT_LIST_DIR}/debian-multiarch.cmake)
+include(${CMAKE_CURRENT_LIST_DIR}/debian-cross.cmake)
