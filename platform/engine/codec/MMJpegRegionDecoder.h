@@ -9,9 +9,11 @@
 // not reconstructed, nothing below it is read, optionally at 1/2, 1/4 or
 // 1/8 scale. The pixels are turned while they are copied out of small
 // bands, so no second full frame is ever held. A large baseline picture is
-// decoded by two threads, each on its own run of rows; a whole progressive
-// picture at 1/8 scale is read only until its DC coefficients are whole. Pixels equal those of a
-// full decode at the same scale. Any libjpeg warning but "extraneous
+// decoded by two threads, each on its own run of rows, a large progressive
+// one by two threads, one on luma's scans and one on chroma's, where memory
+// allows; a whole progressive picture at 1/8 scale is read only until its DC
+// coefficients are whole. Pixels equal those of a full decode at the same
+// scale. Any libjpeg warning but "extraneous
 // bytes" fails the decode, as damaged data must not be saved as whole.
 class MMJpegRegionDecoder
 {
