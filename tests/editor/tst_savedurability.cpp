@@ -200,18 +200,21 @@ private slots:
         }
     }
 
-    // A link planted at a name the save is about to create is never
-    // followed: one planted name is avoided, a link at every name makes the
-    // save fail with the photo unchanged. The link's target is never written.
+    // A link planted at a name the store is about to create is never
+    // followed: one planted name is avoided (a working copy's or the
+    // save's), a link at every name makes the save fail with the photo
+    // unchanged. The link's target is never written.
     void plantedLinksAreNeverFollowed_data()
     {
         QTest::addColumn<QString>("path");
         QTest::addColumn<int>("plants");
         QTest::addColumn<bool>("saved");
-        QTest::newRow("rename, first name taken") << "rename" << 1 << true;
-        QTest::newRow("rename, every name taken") << "rename" << 1000 << false;
-        QTest::newRow("in place, first names taken") << "inplace" << 2 << true;
-        QTest::newRow("in place, every name taken") << "inplace" << 1000 << false;
+        QTest::addColumn<bool>("atLaunch"); // planted at the working copy's name
+        QTest::newRow("working copy, its name taken") << "rename" << 1 << true << true;
+        QTest::newRow("rename, first name taken") << "rename" << 1 << true << false;
+        QTest::newRow("rename, every name taken") << "rename" << 1000 << false << false;
+        QTest::newRow("in place, first names taken") << "inplace" << 2 << true << false;
+        QTest::newRow("in place, every name taken") << "inplace" << 1000 << false << false;
     }
 
     void plantedLinksAreNeverFollowed()
@@ -219,14 +222,19 @@ private slots:
         QFETCH(QString, path);
         QFETCH(int, plants);
         QFETCH(bool, saved);
+        QFETCH(bool, atLaunch);
         QTemporaryDir elsewhere;
         const QString victim = elsewhere.filePath("victim");
         QVERIFY(writeBytes(victim, "not yours"));
         setUp(path, 2 * Chunk, 3 * Chunk);
-        ImgImplImageStore store(photo());
-        QVERIFY(writeBytes(store.realFilePath(), m_new));
         g_victim = QFile::encodeName(victim);
         g_plantsLeft = plants;
+        if (atLaunch)
+            ImgImplFileOps::setCreateHookForTest(plantLink);
+        ImgImplImageStore store(photo());
+        QCOMPARE(bytes(store.realFilePath()), m_old);
+        QVERIFY(!QFileInfo(store.realFilePath()).isSymLink());
+        QVERIFY(writeBytes(store.realFilePath(), m_new));
         ImgImplFileOps::setCreateHookForTest(plantLink);
         const int result = store.saveToOriginalFile();
         ImgImplFileOps::setCreateHookForTest(nullptr);
@@ -234,23 +242,6 @@ private slots:
         QCOMPARE(bytes(photo()), saved ? m_new : m_old);
         QCOMPARE(bytes(victim), QByteArray("not yours"));
         QCOMPARE(QDir(elsewhere.path()).entryList(QDir::Files | QDir::Hidden), QStringList{"victim"});
-    }
-
-    // The working copies get a fresh name when a link waits at theirs.
-    void workingCopyAvoidsPlantedLink()
-    {
-        QTemporaryDir elsewhere;
-        const QString victim = elsewhere.filePath("victim");
-        QVERIFY(writeBytes(victim, "not yours"));
-        setUp("rename", 100, 100);
-        g_victim = QFile::encodeName(victim);
-        g_plantsLeft = 1;
-        ImgImplFileOps::setCreateHookForTest(plantLink);
-        ImgImplImageStore store(photo());
-        ImgImplFileOps::setCreateHookForTest(nullptr);
-        QCOMPARE(bytes(store.realFilePath()), m_old);
-        QVERIFY(!QFileInfo(store.realFilePath()).isSymLink());
-        QCOMPARE(bytes(victim), QByteArray("not yours"));
     }
 
     // The lock moves with the save: before, during and after, no other
