@@ -67,12 +67,21 @@ class TestMainFrame : public QObject
 
     static void settle() { QTest::qWait(20); QCoreApplication::processEvents(); }
 
+    // Turns the picture right and applies; the save screen, once it is up.
+    static ImgSvcSaveMgr *turnAndOpenSave(ImgImplMainFrame *frame)
+    {
+        press(frame, Qt::Key_Up);
+        press(frame, Qt::Key_Context2);
+        const auto shown = [] { return editortest::visibleWindow<ImgSvcSaveMgr>(); };
+        return QTest::qWaitFor([&] { return shown() != nullptr; }, 5000) ? shown() : nullptr;
+    }
+
 private slots:
     void init() { ImgImplImageStore::setWorkingDirForTest(m_work.path()); }
 
     void cleanup() { editortest::releaseEditorAndNotices(); }
 
-    void launchShowsTitleSoftKeysAndPreview_data()
+    void launchShowsPreview_data()
     {
         QTest::addColumn<QSize>("size");
         QTest::addColumn<bool>("fromPreview");
@@ -80,16 +89,14 @@ private slots:
         QTest::newRow("large: preview") << QSize(1280, 960) << true;
     }
 
-    void launchShowsTitleSoftKeysAndPreview()
+    void launchShowsPreview()
     {
         QFETCH(QSize, size);
         QFETCH(bool, fromPreview);
         const QString file = photo(QString("a%1.png").arg(size.width()), size.width(), size.height());
         auto *frame = ImgImplInterface::launchImageEditor(file, nullptr, reinterpret_cast<void *>(0x1));
         QVERIFY(frame->isVisible());
-        QCOMPARE(frame->mainWidgetTitle(), QString("Edit"));
-        QCOMPARE(frame->softKeys()->text(ZSoftKey::LEFT), QString("Options"));
-        QCOMPARE(frame->softKeys()->text(ZSoftKey::RIGHT), QString("Back"));
+        // Its title and soft keys, in each language: tst_language.
         QCOMPARE(frame->imageViewer()->getInput(),
                  fromPreview ? frame->store()->getPreviewSource() : frame->store()->getRealSource());
         QVERIFY(!frame->imageViewer()->displayImage().isNull());
@@ -120,8 +127,7 @@ private slots:
         auto *frame = ImgImplInterface::launchImageEditor(photo(QString("m%1x%2.png").arg(w).arg(h), w, h), nullptr, nullptr);
         ZOptionsMenu *menu = frame->menu();
         QCOMPARE(menu->visibleItemIds(), visible);
-        QCOMPARE(menu->itemText(OPT_ITEM_ROTATE_90_LEFT), QString("Rotate 90 left"));
-        QCOMPARE(menu->itemText(OPT_ITEM_STYLE), QString("Style"));
+        // The visible rows' texts: tst_language.
         QCOMPARE(menu->itemText(OPT_ITEM_CANCEL), QString("Cancel"));
         // Open, the menu lies in the home area above the soft keys.
         press(frame, Qt::Key_Context1);
@@ -131,27 +137,43 @@ private slots:
         QVERIFY(bound.contains(menu->geometry()));
     }
 
-    void menuDrivenByKeysOnly()
+    // Each quick edit from its menu row, by keys only; Cancel, then the
+    // ninth visible row, drops it again. An event no row sends runs nothing.
+    void menuItemsRunTheirOperation_data()
     {
+        QTest::addColumn<int>("row"); // -1: an unknown event, posted
+        QTest::addColumn<QList<int>>("commands");
+        QTest::newRow("rotate left is -90") << 0 << QList<int>{-90};
+        QTest::newRow("rotate right is 90") << 1 << QList<int>{90};
+        QTest::newRow("mirror horizontal is true") << 2 << QList<int>{1000};
+        QTest::newRow("mirror vertical is false") << 3 << QList<int>{2000};
+        QTest::newRow("unknown event runs nothing") << -1 << QList<int>{};
+    }
+
+    void menuItemsRunTheirOperation()
+    {
+        QFETCH(int, row);
+        QFETCH(QList<int>, commands);
         auto *frame = ImgImplInterface::launchImageEditor(photo("k.png"), nullptr, nullptr);
+        if (row < 0) {
+            QCoreApplication::postEvent(frame, new ImgImplMenuEvent(42));
+            settle();
+            QVERIFY(frame->pendingCommands().empty() && !frame->isModified());
+            // Not a quick edit: the state follows the table, which ends.
+            QCOMPARE(frame->stateMachine()->currentStat(), STAT_END);
+            return;
+        }
         press(frame, Qt::Key_Context1);
-        QVERIFY(frame->menu()->isOpen());
-        QWidget *target = frame->menu();
-        press(target, Qt::Key_Down); // Rotate 90 right
-        press(target, Qt::Key_Select);
+        for (int i = 0; i < row; ++i)
+            press(frame->menu(), Qt::Key_Down);
+        press(frame->menu(), Qt::Key_Select);
         QVERIFY(!frame->menu()->isOpen());
-        QTRY_COMPARE(rotationDegrees(frame), QList<int>{90});
+        QTRY_COMPARE(rotationDegrees(frame), commands);
+        QVERIFY(frame->isModified());
+        QCOMPARE(frame->stateMachine()->currentStat(), STAT_MAIN);
         QCOMPARE(frame->softKeys()->text(ZSoftKey::RIGHT), QString("Apply"));
         QVERIFY(!frame->menu()->isItemHidden(OPT_ITEM_CANCEL));
 
-        // Mirror horizontal is the third item, mirror vertical the fourth.
-        press(frame, Qt::Key_Context1);
-        press(frame->menu(), Qt::Key_Down);
-        press(frame->menu(), Qt::Key_Down);
-        press(frame->menu(), Qt::Key_Select);
-        QTRY_COMPARE(rotationDegrees(frame), (QList<int>{90, 1000}));
-
-        // Cancel, now the ninth visible item, drops everything.
         press(frame, Qt::Key_Context1);
         for (int i = 0; i < 8; ++i)
             press(frame->menu(), Qt::Key_Down);
@@ -161,30 +183,6 @@ private slots:
         QCOMPARE(frame->softKeys()->text(ZSoftKey::RIGHT), QString("Back"));
         QVERIFY(frame->menu()->isItemHidden(OPT_ITEM_CANCEL));
         QVERIFY(!frame->isModified());
-    }
-
-    void menuEventsRunTheirOperation_data()
-    {
-        QTest::addColumn<int>("eventId");
-        QTest::addColumn<QList<int>>("commands");
-        QTest::newRow("rotate left is -90") << int(EVT_ROTATE_LEFT) << QList<int>{-90};
-        QTest::newRow("rotate right is 90") << int(EVT_ROTATE_RIGHT) << QList<int>{90};
-        QTest::newRow("mirror horizontal is true") << int(EVT_MIRROR_HOR) << QList<int>{1000};
-        QTest::newRow("mirror vertical is false") << int(EVT_MIRROR_VER) << QList<int>{2000};
-        QTest::newRow("unknown id runs nothing") << 42 << QList<int>{};
-    }
-
-    void menuEventsRunTheirOperation()
-    {
-        QFETCH(int, eventId);
-        QFETCH(QList<int>, commands);
-        auto *frame = ImgImplInterface::launchImageEditor(photo("e.png"), nullptr, nullptr);
-        QCoreApplication::postEvent(frame, new ImgImplMenuEvent(eventId));
-        settle();
-        QCOMPARE(rotationDegrees(frame), commands);
-        QCOMPARE(frame->isModified(), !commands.isEmpty());
-        // The state follows the table: quick edits stay in main, the rest ends.
-        QCOMPARE(frame->stateMachine()->currentStat(), commands.isEmpty() ? STAT_END : STAT_MAIN);
     }
 
     void upAndDownRotateLeftAndRightDoNot()
@@ -213,8 +211,6 @@ private slots:
         QVERIFY(!frame->softKeys()->isButtonEnabled(ZSoftKey::LEFT));
         QVERIFY(!frame->softKeys()->isButtonEnabled(ZSoftKey::RIGHT));
         QVERIFY(frame->inputTimer()->isActive());
-        QVERIFY(frame->inputTimer()->isSingleShot());
-        QCOMPARE(frame->inputTimer()->interval(), 2000);
         settle();
         QCOMPARE(frame->stateMachine()->currentStat(), STAT_CROP);
         press(frame, Qt::Key_Context2); // blocked: does not leave or apply
@@ -225,49 +221,27 @@ private slots:
         QVERIFY(frame->softKeys()->isButtonEnabled(ZSoftKey::LEFT));
     }
 
-    // A replay that fails on save writes nothing, yet drops the edits and
-    // shows the file as it is.
-    void failedReplayWritesNothingAndDropsEdits()
+    // A save that fails anywhere (the replay of the edits on the working
+    // copy, or the first write, the flush or the rename over the file)
+    // leaves the file as it was, drops the edits, shows the file unturned
+    // and keeps the lock; a failed write also says the memory is full.
+    void failedSaveKeepsFileAndDropsEdits_data()
     {
-        const QString file = photo("replay.png");
-        const QByteArray before = bytes(file);
-        auto *frame = ImgImplInterface::launchImageEditor(file, nullptr, nullptr);
-        press(frame, Qt::Key_Up);
-        press(frame, Qt::Key_Context2); // Apply: on to the save screen
-        QTRY_VERIFY(editortest::visibleWindow<ImgSvcSaveMgr>());
-        QVERIFY(writeBytes(frame->store()->realFilePath(), "no longer a picture"));
-        press(editortest::visibleWindow<ImgSvcSaveMgr>(), Qt::Key_Context1); // Save
-        QTRY_COMPARE(frame->stateMachine()->currentStat(), STAT_MAIN);
-        QCOMPARE(bytes(file), before);
-        QVERIFY(frame->pendingCommands().empty());
-        QCOMPARE(frame->softKeys()->text(ZSoftKey::RIGHT), QString("Back"));
-        // The 320x240 picture is shown unturned again.
-        const QSize shown = frame->imageViewer()->displayImage().size();
-        QVERIFY2(shown.width() > shown.height(), qPrintable(QString("%1x%2").arg(shown.width()).arg(shown.height())));
-    }
-
-    // A save that fails at any step (the first write, the flush, the
-    // rename) leaves the file as it was, says the memory is full, drops the
-    // edits and keeps the lock.
-    void failedWriteShowsNoticeAndKeepsFile_data()
-    {
-        QTest::addColumn<int>("step");
+        QTest::addColumn<int>("step"); // 0: the replay fails
         QTest::addColumn<int>("error");
+        QTest::newRow("replay of the edits") << 0 << 0;
         QTest::newRow("first write, no space") << 1 << ENOSPC;
         QTest::newRow("flush, I/O error") << 4 << EIO;
         QTest::newRow("rename, I/O error") << 5 << EIO;
     }
 
-    void failedWriteShowsNoticeAndKeepsFile()
+    void failedSaveKeepsFileAndDropsEdits()
     {
         QFETCH(int, step);
         QFETCH(int, error);
         const QString file = photo(QString("fail%1.png").arg(step));
         const QByteArray before = bytes(file);
         auto *frame = ImgImplInterface::launchImageEditor(file, nullptr, nullptr);
-        press(frame, Qt::Key_Up);
-        press(frame, Qt::Key_Context2);
-        QTRY_VERIFY(editortest::visibleWindow<ImgSvcSaveMgr>());
         QString shown;
         // The notice runs its own loop inside the save: read and close it there.
         QTimer poll;
@@ -278,14 +252,26 @@ private slots:
             }
         });
         poll.start(20);
-        ImgImplIoStep::arm(ImgImplIoStep::FailAt, step, error);
-        press(editortest::visibleWindow<ImgSvcSaveMgr>(), Qt::Key_Context1);
+        ImgSvcSaveMgr *save = turnAndOpenSave(frame);
+        QVERIFY(save);
+        if (step == 0)
+            QVERIFY(writeBytes(frame->store()->realFilePath(), "no longer a picture"));
+        else
+            ImgImplIoStep::arm(ImgImplIoStep::FailAt, step, error);
+        press(save, Qt::Key_Context1); // Save
         QTRY_COMPARE(frame->stateMachine()->currentStat(), STAT_MAIN);
         ImgImplIoStep::disarm();
-        QVERIFY2(shown.contains("memory is full"), qPrintable(shown));
+        if (step == 0)
+            QVERIFY2(shown.isEmpty(), qPrintable(shown));
+        else
+            QVERIFY2(shown.contains("memory is full"), qPrintable(shown));
         QCOMPARE(bytes(file), before);
         QCOMPARE(QDir(m_files.path()).entryList(QDir::Hidden | QDir::Files).filter(".vo-"), QStringList());
         QVERIFY(frame->pendingCommands().empty());
+        QCOMPARE(frame->softKeys()->text(ZSoftKey::RIGHT), QString("Back"));
+        // The 320x240 picture is shown unturned again.
+        const QSize size = frame->imageViewer()->displayImage().size();
+        QVERIFY2(size.width() > size.height(), qPrintable(QString("%1x%2").arg(size.width()).arg(size.height())));
         QVERIFY(!otherProcessCanLock(file));
     }
 
@@ -382,10 +368,9 @@ private slots:
             QVERIFY(!MMImageDecoder::decode(file).isNull());
         // A save puts a new file in place; the lock moves with it.
         const QByteArray before = bytes(file);
-        press(frame, Qt::Key_Up);
-        press(frame, Qt::Key_Context2);
-        QTRY_VERIFY(editortest::visibleWindow<ImgSvcSaveMgr>());
-        press(editortest::visibleWindow<ImgSvcSaveMgr>(), Qt::Key_Context1);
+        ImgSvcSaveMgr *save = turnAndOpenSave(frame);
+        QVERIFY(save);
+        press(save, Qt::Key_Context1);
         QTRY_COMPARE(frame->stateMachine()->currentStat(), STAT_MAIN);
         QVERIFY(bytes(file) != before);
         QVERIFY(!otherProcessCanLock(file));
@@ -422,10 +407,6 @@ private slots:
             QCOMPARE(bar->buttonPixmapName(b, true), QString("mp_vid_rot_90_%1_p_nav").arg(name));
             QCOMPARE(bar->buttonPixmapName(b, false), QString("mp_vid_rot_90_%1_unp_nav").arg(name));
         }
-        const QMetaObject *mo = bar->metaObject();
-        QCOMPARE(QByteArray(mo->className()), QByteArray("ImgEditor5wayBtn"));
-        QCOMPARE(QByteArray(mo->superClass()->className()), QByteArray("ZMediaController"));
-        QCOMPARE(mo->methodCount(), mo->superClass()->methodCount());
     }
 };
 

@@ -2,6 +2,7 @@
 // Helpers for the engine tests: small pictures with known pixels, files,
 // and the reference tools (ImageMagick, libjpeg-turbo's programs, exiftool)
 // that results are checked against.
+#include "MMCommandRunner.h"
 #include "MMCropCommand.h"
 #include "MMEffectCommand.h"
 #include "MMImageSource.h"
@@ -97,6 +98,20 @@ inline bool run(const QString &program, const QStringList &args, QByteArray *out
     return ok;
 }
 
+// Of two same-sized pictures: the mean absolute difference per channel
+// (red, green, blue, and alpha when asked).
+inline double meanDifference(const QImage &a, const QImage &b, bool alpha = false)
+{
+    qint64 sum = 0;
+    for (int y = 0; y < a.height(); ++y)
+        for (int x = 0; x < a.width(); ++x) {
+            const QRgb p = a.pixel(x, y), q = b.pixel(x, y);
+            sum += qAbs(qRed(p) - qRed(q)) + qAbs(qGreen(p) - qGreen(q)) + qAbs(qBlue(p) - qBlue(q))
+                + (alpha ? qAbs(qAlpha(p) - qAlpha(q)) : 0);
+        }
+    return double(sum) / ((alpha ? 4.0 : 3.0) * a.width() * a.height());
+}
+
 // Pixels of a JPEG as libjpeg's own djpeg decodes them (EXIF ignored).
 inline QImage djpeg(const QString &path)
 {
@@ -143,4 +158,13 @@ inline void parseCommands(const QString &text, CommandList &commands, const QStr
 inline bool applyAll(const CommandList &commands, QImage &image)
 {
     return std::all_of(commands.list.begin(), commands.list.end(), [&](const MMCommand *c) { return c->apply(image) == 0; });
+}
+
+// Runs the commands written as for parseCommands on file in, writing out,
+// as the editor's save does; the runner's result.
+inline int runCommands(const QString &in, const QString &out, const QString &commands, const QString &dir = QString())
+{
+    CommandList list;
+    parseCommands(commands, list, dir);
+    return MMCommandRunner::run(EngineTestTools::source(in), EngineTestTools::source(out), list.list);
 }

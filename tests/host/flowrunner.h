@@ -91,6 +91,7 @@ private:
         run.started = true;
         QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
         env.insert("QT_QPA_PLATFORM", "offscreen");
+        // The handset's own screen, 240x320: no size is given.
         env.remove("VO_SCREEN_SIZE");
         // Nothing may land in the home folder: a file there would go unseen.
         env.insert("HOME", workingDirOf(run.file));
@@ -108,7 +109,7 @@ private:
         // (decoding, preview) before the next key, so it grows with emulation.
         const QString keyDelay = builtprogram::emulated() ? "600" : "150";
         builtprogram::start(run.process, kViewer,
-                            {"--edit", "--screen", "240x320", "--key-delay", keyDelay, "--keys", run.keys,
+                            {"--edit", "--key-delay", keyDelay, "--keys", run.keys,
                              "--shots", shotsDirOf(run.file),
                              "--quit-when-closed", run.file});
     }

@@ -1,8 +1,6 @@
 // The host's side of the contract, through the installed library file and
 // its unmangled entry points only, as a third-party host uses them.
 #include "ZMainWidget.h"
-#include "builtprogram.h"
-#include "ZSoftKey.h"
 #include "testimages.h"
 
 #include <QDir>
@@ -93,11 +91,7 @@ private slots:
         QVERIFY(editor);
         QPointer<QWidget> guard(editor);
         QVERIFY(editor->isVisible());
-        auto *window = qobject_cast<ZMainWidget *>(editor);
-        QVERIFY(window);
-        QCOMPARE(window->mainWidgetTitle(), QString("Edit"));
-        QCOMPARE(window->getSoftKey(false)->text(ZSoftKey::LEFT), QString("Options"));
-        QCOMPARE(window->getSoftKey(false)->text(ZSoftKey::RIGHT), QString("Back"));
+        QVERIFY(qobject_cast<ZMainWidget *>(editor));
         // Real-size copy and preview exist while the editor is open.
         const QStringList copies = workingCopiesOf(base);
         QCOMPARE(copies.size(), 2);
@@ -131,25 +125,6 @@ private slots:
         QTest::qWait(50);
         QVERIFY(again && again->isVisible());
         m_release();
-    }
-
-    void viewerRunsAKeyScriptAndExitsWhenClosed()
-    {
-        const QString file = m_dir.filePath("host photo.jpg");
-        QVERIFY(write(file, 2000, 1500, "JPEG"));
-        const QByteArray before = bytes(file);
-        const QString shots = m_dir.filePath("shots");
-        QProcess viewer;
-        viewer.setProcessChannelMode(QProcess::MergedChannels);
-        builtprogram::start(viewer, VO_BINARY_DIR "/bin/vo-viewer",
-                            {"--edit", "--keys", "wait:500 Context2", "--key-delay", "200", "--shots", shots,
-                             "--quit-when-closed", file});
-        QVERIFY(viewer.waitForFinished(30000));
-        QCOMPARE(viewer.exitStatus(), QProcess::NormalExit);
-        QCOMPARE(viewer.exitCode(), 0);
-        QVERIFY(QFileInfo::exists(shots + "/000.png"));
-        QCOMPARE(QImage(shots + "/000.png").size(), QSize(240, 320));
-        QCOMPARE(bytes(file), before);
     }
 };
 

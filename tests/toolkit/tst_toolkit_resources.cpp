@@ -10,110 +10,104 @@ class tst_ToolkitResources : public QObject
     Q_OBJECT
 private slots:
     void cleanup() { qunsetenv("VO_SCREEN_SIZE"); }
-    void screenGeometry_data();
-    void screenGeometry();
-    void languagePack_data();
-    void languagePack();
-    void skinIcons_data();
-    void skinIcons();
-};
 
-void tst_ToolkitResources::screenGeometry_data()
-{
-    QTest::addColumn<QByteArray>("value");
-    QTest::addColumn<QSize>("expected");
-    const QSize qvga(240, 320);
-    QTest::newRow("unset") << QByteArray() << qvga;
-    QTest::newRow("landscape, spaces") << QByteArray(" 320X240 ") << QSize(320, 240);
-    QTest::newRow("missing height") << QByteArray("480x") << qvga;
-    QTest::newRow("negative") << QByteArray("-240x320") << qvga;
-    QTest::newRow("absurd") << QByteArray("100000x100000") << qvga;
-}
-
-// Title on top (a tenth of the height), soft keys at the bottom (about 9 %),
-// the home area from under the title to the bottom; all full width.
-void tst_ToolkitResources::screenGeometry()
-{
-    QFETCH(QByteArray, value);
-    QFETCH(QSize, expected);
-    if (!value.isNull())
-        qputenv("VO_SCREEN_SIZE", value);
-    const QRect screen = ZGlobal::getScreenR(), title = ZGlobal::getTitleR(), keys = ZGlobal::getCstR();
-    const QRect home = ZGlobal::getHomeR(false);
-    QCOMPARE(screen, QRect(QPoint(0, 0), expected));
-    for (const QRect &r : {title, keys, home})
-        QVERIFY(!r.isEmpty() && screen.contains(r) && r.width() == screen.width());
-    QCOMPARE(title.top(), 0);
-    QCOMPARE(home.top(), title.bottom() + 1);
-    QVERIFY(home.bottom() == screen.bottom() && keys.bottom() == screen.bottom());
-    QVERIFY(qAbs(title.height() - screen.height() * 0.10) <= 1.0);
-    QVERIFY(qAbs(keys.height() - screen.height() * 0.09) <= 1.0);
-}
-
-void tst_ToolkitResources::languagePack_data()
-{
-    QTest::addColumn<QString>("locale");
-    QTest::addColumn<QString>("language");
-    QTest::addColumn<QString>("context");
-    QTest::addColumn<QByteArray>("key");
-    QTest::addColumn<QByteArray>("english");
-    QTest::addColumn<QString>("shown");
-    QTest::newRow("German") << "de_DE" << "de" << "ZNoticeDlg" << QByteArray("TXT_RID_NOTICE_ERROR")
-                            << QByteArray("Error") << "Fehler";
-    QTest::newRow("Swiss German") << "de_CH" << "de" << "ZNoticeDlg" << QByteArray("TXT_RID_NOTICE_WARNING")
-                                  << QByteArray("Warning") << "Warnung";
-    QTest::newRow("Italian: English") << "it_IT" << "en" << "ZNoticeDlg" << QByteArray("TXT_RID_NOTICE_ERROR")
-                                      << QByteArray("Error") << "Error";
-    QTest::newRow("C locale: English") << "C" << "en" << "ZNoticeDlg" << QByteArray("TXT_RID_NOTICE_WARNING")
-                                       << QByteArray("Warning") << "Warning";
-    // Texts outside the catalogues are Qt's business: a key stays a key.
-    QTest::newRow("unknown key") << "de_DE" << "de" << "ZNoticeDlg" << QByteArray("TXT_RID_NOTHING")
-                                 << QByteArray("Nothing") << "TXT_RID_NOTHING";
-    QTest::newRow("Qt's own") << "de_DE" << "de" << "QGuiApplication" << QByteArray("QT_LAYOUT_DIRECTION")
-                              << QByteArray() << "QT_LAYOUT_DIRECTION";
-}
-
-// The keys are translated by the built catalogues; a locale without one
-// gets English, and switching replaces the language rather than stacking.
-void tst_ToolkitResources::languagePack()
-{
-    QFETCH(QString, locale);
-    QFETCH(QString, language);
-    QFETCH(QString, context);
-    QFETCH(QByteArray, key);
-    QFETCH(QByteArray, english);
-    QFETCH(QString, shown);
-    QCOMPARE(ZResourceTranslator::install(QLocale(locale)), language);
-    const char *comment = english.isNull() ? nullptr : english.constData();
-    QCOMPARE(QCoreApplication::translate(context.toLatin1().constData(), key.constData(), comment), shown);
-}
-
-void tst_ToolkitResources::skinIcons_data()
-{
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<bool>("exists");
-    QTest::addColumn<QString>("mirrorOf"); // the left-turn icons mirror the right-turn ones
-    QTest::newRow("right") << "mp_vid_rot_90_rt_unp_nav" << true << QString();
-    QTest::newRow("right pressed") << "mp_vid_rot_90_rt_p_nav" << true << QString();
-    QTest::newRow("left") << "mp_vid_rot_90_lft_unp_nav" << true << "mp_vid_rot_90_rt_unp_nav";
-    QTest::newRow("left pressed") << "mp_vid_rot_90_lft_p_nav" << true << "mp_vid_rot_90_rt_p_nav";
-    QTest::newRow("error") << "error_pop" << true << QString();
-    QTest::newRow("unknown") << "no_such_icon" << false << QString();
-}
-
-void tst_ToolkitResources::skinIcons()
-{
-    QFETCH(QString, name);
-    QFETCH(bool, exists);
-    QFETCH(QString, mirrorOf);
-    const QImage icon = ZSkinService::getPixmap(name).toImage();
-    QCOMPARE(!icon.isNull(), exists);
-    if (!mirrorOf.isEmpty()) {
-        const QImage other = ZSkinService::getPixmap(mirrorOf).toImage();
-        QVERIFY(icon != other); // the two turn different ways
-        QCOMPARE(icon, other.mirrored(true, false));
+    void screenGeometry_data()
+    {
+        QTest::addColumn<QByteArray>("value");
+        QTest::addColumn<QSize>("expected");
+        const QSize qvga(240, 320);
+        QTest::newRow("unset") << QByteArray() << qvga;
+        QTest::newRow("landscape, spaces") << QByteArray(" 320X240 ") << QSize(320, 240);
+        QTest::newRow("missing height") << QByteArray("480x") << qvga;
+        QTest::newRow("negative") << QByteArray("-240x320") << qvga;
+        QTest::newRow("absurd") << QByteArray("100000x100000") << qvga;
     }
-}
+
+    // Title on top (a tenth of the height), soft keys at the bottom (about 9 %),
+    // the home area from under the title to the bottom; all full width.
+    void screenGeometry()
+    {
+        QFETCH(QByteArray, value);
+        QFETCH(QSize, expected);
+        if (!value.isNull())
+            qputenv("VO_SCREEN_SIZE", value);
+        const QRect screen = ZGlobal::getScreenR(), title = ZGlobal::getTitleR(), keys = ZGlobal::getCstR();
+        const QRect home = ZGlobal::getHomeR(false);
+        QCOMPARE(screen, QRect(QPoint(0, 0), expected));
+        for (const QRect &r : {title, keys, home})
+            QVERIFY(!r.isEmpty() && screen.contains(r) && r.width() == screen.width());
+        QCOMPARE(title.top(), 0);
+        QCOMPARE(home.top(), title.bottom() + 1);
+        QVERIFY(home.bottom() == screen.bottom() && keys.bottom() == screen.bottom());
+        QVERIFY(qAbs(title.height() - screen.height() * 0.10) <= 1.0);
+        QVERIFY(qAbs(keys.height() - screen.height() * 0.09) <= 1.0);
+    }
+
+    void languagePack_data()
+    {
+        QTest::addColumn<QString>("locale");
+        QTest::addColumn<QString>("language");
+        QTest::addColumn<QString>("context");
+        QTest::addColumn<QByteArray>("key");
+        QTest::addColumn<QByteArray>("english");
+        QTest::addColumn<QString>("shown");
+        QTest::newRow("German") << "de_DE" << "de" << "ZNoticeDlg" << QByteArray("TXT_RID_NOTICE_ERROR")
+                                << QByteArray("Error") << "Fehler";
+        QTest::newRow("Swiss German") << "de_CH" << "de" << "ZNoticeDlg" << QByteArray("TXT_RID_NOTICE_WARNING")
+                                      << QByteArray("Warning") << "Warnung";
+        QTest::newRow("Italian: English") << "it_IT" << "en" << "ZNoticeDlg" << QByteArray("TXT_RID_NOTICE_ERROR")
+                                          << QByteArray("Error") << "Error";
+        QTest::newRow("C locale: English") << "C" << "en" << "ZNoticeDlg" << QByteArray("TXT_RID_NOTICE_WARNING")
+                                           << QByteArray("Warning") << "Warning";
+        // Texts outside the catalogues are Qt's business: a key stays a key.
+        QTest::newRow("unknown key") << "de_DE" << "de" << "ZNoticeDlg" << QByteArray("TXT_RID_NOTHING")
+                                     << QByteArray("Nothing") << "TXT_RID_NOTHING";
+        QTest::newRow("Qt's own") << "de_DE" << "de" << "QGuiApplication" << QByteArray("QT_LAYOUT_DIRECTION")
+                                  << QByteArray() << "QT_LAYOUT_DIRECTION";
+    }
+
+    // The keys are translated by the built catalogues; a locale without one
+    // gets English, and switching replaces the language rather than stacking.
+    void languagePack()
+    {
+        QFETCH(QString, locale);
+        QFETCH(QString, language);
+        QFETCH(QString, context);
+        QFETCH(QByteArray, key);
+        QFETCH(QByteArray, english);
+        QFETCH(QString, shown);
+        QCOMPARE(ZResourceTranslator::install(QLocale(locale)), language);
+        const char *comment = english.isNull() ? nullptr : english.constData();
+        QCOMPARE(QCoreApplication::translate(context.toLatin1().constData(), key.constData(), comment), shown);
+    }
+
+    void skinIcons_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<bool>("exists");
+        QTest::addColumn<QString>("mirrorOf"); // the left-turn icons mirror the right-turn ones
+        QTest::newRow("right") << "mp_vid_rot_90_rt_unp_nav" << true << QString();
+        QTest::newRow("right pressed") << "mp_vid_rot_90_rt_p_nav" << true << QString();
+        QTest::newRow("left") << "mp_vid_rot_90_lft_unp_nav" << true << "mp_vid_rot_90_rt_unp_nav";
+        QTest::newRow("left pressed") << "mp_vid_rot_90_lft_p_nav" << true << "mp_vid_rot_90_rt_p_nav";
+        QTest::newRow("error") << "error_pop" << true << QString();
+        QTest::newRow("unknown") << "no_such_icon" << false << QString();
+    }
+
+    void skinIcons()
+    {
+        QFETCH(QString, name);
+        QFETCH(bool, exists);
+        QFETCH(QString, mirrorOf);
+        const QImage icon = ZSkinService::getPixmap(name).toImage();
+        QCOMPARE(!icon.isNull(), exists);
+        if (!mirrorOf.isEmpty()) {
+            const QImage other = ZSkinService::getPixmap(mirrorOf).toImage();
+            QVERIFY(icon != other); // the two turn different ways
+            QCOMPARE(icon, other.mirrored(true, false));
+        }
+    }
+};
 
 QTEST_MAIN(tst_ToolkitResources)
 #include "tst_toolkit_resources.moc"

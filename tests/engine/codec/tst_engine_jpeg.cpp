@@ -1,14 +1,13 @@
 // JPEG fidelity, checked with libjpeg-turbo's programs, exiftool and
 // ImageMagick: lossless turns byte for byte as jpegtran makes them, EXIF
-// orientation, metadata kept through saves, and the quality estimate.
+// orientation, and the quality estimate (what a save keeps of the
+// description: tst_engine_metadata).
 #include "EngineTestTools.h"
-#include "MMCommandRunner.h"
 #include "MMImageDecoder.h"
 #include "MMJpegCodec.h"
 #include "MMJpegHeader.h"
 #include "MMJpegRegionDecoder.h"
 #include "requiretool.h"
-#include <QColorSpace>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -19,53 +18,369 @@ class TestEngineJpeg : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void losslessMatchesJpegtran_data();
-    void losslessMatchesJpegtran();
-    void identityChainLeavesBytesUnchanged();
-    void orientationsComeOutUpright_data();
-    void orientationsComeOutUpright();
-    void metadataSurvivesSaves_data();
-    void metadataSurvivesSaves();
-    void qualityIsEstimated_data();
-    void qualityIsEstimated();
-    void regionDecodeEqualsFullDecode_data();
-    void regionDecodeEqualsFullDecode();
-    void splitDecodeRefusesDamageInEitherPart_data();
-    void splitDecodeRefusesDamageInEitherPart();
-    void plannedSaveMatchesNaiveReplay_data();
-    void plannedSaveMatchesNaiveReplay();
-    void shrinkWhileDecodingAveragesAreas_data();
-    void shrinkWhileDecodingAveragesAreas();
-    void progressiveEighthReadsOnlyWhatItNeeds_data();
-    void progressiveEighthReadsOnlyWhatItNeeds();
-    void stripEncodeDecodesAsOnePiece_data();
-    void stripEncodeDecodesAsOnePiece();
+    void initTestCase()
+    {
+        VO_REQUIRE_TOOL("cjpeg");
+        VO_REQUIRE_TOOL("djpeg");
+        VO_REQUIRE_TOOL("jpegtran");
+        VO_REQUIRE_TOOL("exiftool");
+    }
+
+    void losslessMatchesJpegtran_data()
+    {
+        QTest::addColumn<QString>("commands");
+        QTest::addColumn<QStringList>("jpegtran");
+        QTest::newRow("right") << "r90" << QStringList{ "-rotate", "90" };
+        QTest::newRow("left") << "r-90" << QStringList{ "-rotate", "270" };
+        QTest::newRow("mirror horizontal") << "mh" << QStringList{ "-flip", "horizontal" };
+        QTest::newRow("right then mirror: transpose") << "r90 mh" << QStringList{ "-transpose" };
+        QTest::newRow("mirror then right: transverse") << "mh r90" << QStringList{ "-transverse" };
+        QTest::newRow("three rights and both mirrors") << "r90 r90 r90 mh mv" << QStringList{ "-rotate", "90" };
+    }
+
+    void losslessMatchesJpegtran()
+    {
+        QFETCH(QString, commands);
+        QFETCH(QStringList, jpegtran);
+        // 4:2:0 in whole 16x16 blocks, no metadata: every transform is perfect
+        // and the file is just what jpegtran writes.
+        const QString in = makeJpeg(photo(256, 192), "lossless.jpg", 85), out = path("lossless-out.jpg");
+        QByteArray reference;
+        QVERIFY(run("jpegtran", QStringList{ "-perfect", "-copy", "all" } + jpegtran + QStringList{ in }, &reference));
+
+        QCOMPARE(runCommands(in, out, commands), 0);
+
+        QCOMPARE(bytes(out), reference);
+    }
+
+    void identityChainLeavesBytesUnchanged()
+    {
+        // 100x70 allows no perfect transform: nothing may be re-encoded.
+        const QString in = makeJpeg(photo(100, 70), "identity.jpg", 80), out = path("identity-out.jpg");
+        const QByteArray before = bytes(in);
+
+        QCOMPARE(runCommands(in, out, "r90 mh r90 mh"), 0);
+        QCOMPARE(runCommands(in, in, "r-90 r180 mv mh r90"), 0);
+
+        QCOMPARE(bytes(out), before);
+        QCOMPARE(bytes(in), before);
+    }
+
+    void orientationsComeOutUpright_data()
+    {
+        QTest::addColumn<int>("orientation");
+        QTest::addColumn<int>("block");
+        QTest::addColumn<QString>("upright");
+        // Stored ABC/DEF as it is shown under each orientation, as EXIF defines
+        // them. 16-pixel blocks allow a perfect transform, 20-pixel ones do not.
+        const char *upright[] = { "ABC/DEF", "CBA/FED", "FED/CBA", "DEF/ABC", "AD/BE/CF", "DA/EB/FC", "FC/EB/DA", "CF/BE/AD" };
+        for (int o = 1; o <= 8; ++o) {
+            QTest::addRow("%d lossless", o) << o << 16 << upright[o - 1];
+            QTest::addRow("%d re-encoded", o) << o << 20 << upright[o - 1];
+        }
+    }
+
+    void orientationsComeOutUpright()
+    {
+        QFETCH(int, orientation);
+        QFETCH(int, block);
+        QFETCH(QString, upright);
+        const QString in = makeJpeg(fromLetters("ABC/DEF").scaled(3 * block, 2 * block), "oriented.jpg", 95);
+        QVERIFY(run("exiftool", { "-q", "-overwrite_original", QString("-Orientation#=%1").arg(orientation), in }));
+        const QString out = path("oriented-out.jpg");
+        const QString turned = toLetters(fromLetters(upright).transformed(QTransform().rotate(90)));
+        MMImageInfo info;
+
+        QCOMPARE(source(in).getImageInfo(info), 0);
+        QCOMPARE(runCommands(in, out, "r90"), 0);
+
+        QCOMPARE(info.orientation, orientation);
+        QCOMPARE(QSize(info.width, info.height), orientation >= 5 ? QSize(2, 3) * block : QSize(3, 2) * block);
+        QCOMPARE(toLetters(MMImageDecoder::decode(in), block), upright);
+        // The stored pixels themselves are upright (then turned as asked).
+        QCOMPARE(toLetters(djpeg(out), block), turned);
+        QByteArray tag;
+        QVERIFY(run("exiftool", { "-s3", "-n", "-Orientation", out }, &tag));
+        QVERIFY2(tag.trimmed().isEmpty() || tag.trimmed() == "1", tag.constData());
+    }
+
+    void qualityIsEstimated_data()
+    {
+        QTest::addColumn<int>("quality");
+        for (int q : { 25, 75, 90, 100 })
+            QTest::addRow("%d", q) << q;
+    }
+
+    void qualityIsEstimated()
+    {
+        QFETCH(int, quality);
+        QFile file(makeJpeg(photo(64, 48), QString("q%1.jpg").arg(quality), quality));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        MMJpegHeader header;
+
+        QVERIFY(header.read(file));
+
+        QVERIFY2(qAbs(header.estimatedQuality() - quality) <= 2, qPrintable(QString::number(header.estimatedQuality())));
+    }
+
+    void regionDecodeEqualsFullDecode_data()
+    {
+        QTest::addColumn<QString>("sampling");
+        QTest::addColumn<int>("scale");
+        QTest::addColumn<QRect>("rect");
+        QTest::addColumn<int>("orientation");
+        QTest::addColumn<QSize>("size");
+        // Odd offsets inside blocks, the picture's edges, every orientation.
+        QTest::newRow("4:2:0 inner") << "2x2" << 1 << QRect(37, 21, 101, 77) << 1 << QSize(176, 120);
+        QTest::newRow("4:2:0 on block edges") << "2x2" << 1 << QRect(32, 32, 64, 48) << 1 << QSize(176, 120);
+        QTest::newRow("4:2:2 on block edges, half scale") << "2x1" << 2 << QRect(16, 8, 32, 24) << 1 << QSize(176, 120);
+        QTest::newRow("4:2:0 turned right") << "2x2" << 1 << QRect(17, 33, 90, 50) << 6 << QSize(176, 120);
+        QTest::newRow("4:2:2 transverse") << "2x1" << 1 << QRect(1, 1, 170, 110) << 7 << QSize(176, 120);
+        QTest::newRow("4:4:4 left, to the bottom") << "1x1" << 1 << QRect(0, 40, 63, 80) << 8 << QSize(176, 120);
+        QTest::newRow("4:2:2 whole, mirrored") << "2x1" << 1 << QRect(0, 0, 176, 120) << 2 << QSize(176, 120);
+        QTest::newRow("4:2:0 progressive, below the top") << "2x2 -progressive" << 1 << QRect(21, 57, 80, 40) << 6 << QSize(176, 120);
+        QTest::newRow("grey transposed") << "grey" << 1 << QRect(15, 9, 48, 100) << 5 << QSize(176, 120);
+        QTest::newRow("4:2:0 half scale, upside down") << "2x2" << 2 << QRect(9, 7, 61, 44) << 3 << QSize(176, 120);
+        QTest::newRow("4:2:2 eighth scale") << "2x1" << 8 << QRect(3, 2, 18, 13) << 4 << QSize(176, 120);
+        // Large enough to be decoded by two threads, the second starting mid-picture.
+        QTest::newRow("split 4:2:0 turned right") << "2x2" << 1 << QRect(3, 5, 1271, 1013) << 6 << QSize(1280, 1024);
+        QTest::newRow("split 4:2:2 region, mirrored") << "2x1" << 1 << QRect(41, 300, 1100, 700) << 2 << QSize(1280, 1024);
+        QTest::newRow("split grey whole") << "grey" << 1 << QRect(0, 0, 1280, 1024) << 1 << QSize(1280, 1024);
+        QTest::newRow("split 4:2:0 half scale") << "2x2" << 2 << QRect(0, 0, 1100, 1000) << 8 << QSize(2200, 2000);
+        // Progressive and large: luma and chroma decoded apart, then joined.
+        QTest::newRow("split progressive 4:2:0 turned right") << "2x2 -progressive" << 1 << QRect(7, 9, 1200, 1000) << 6 << QSize(1280, 1024);
+        QTest::newRow("split progressive 4:2:2 region, mirrored") << "2x1 -progressive" << 1 << QRect(41, 300, 1100, 700) << 2 << QSize(1280, 1024);
+        QTest::newRow("split progressive 4:4:4 whole, turned left") << "1x1 -progressive" << 1 << QRect(0, 0, 1280, 1024) << 8 << QSize(1280, 1024);
+    }
+
+    void regionDecodeEqualsFullDecode()
+    {
+        QFETCH(QString, sampling);
+        QFETCH(int, scale);
+        QFETCH(QRect, rect);
+        QFETCH(int, orientation);
+        QFETCH(QSize, size);
+        const QStringList colour = sampling == "grey" ? QStringList{ "-grayscale" } : ("-sample " + sampling).split(' ');
+        const QString jpeg = makeJpeg(photo(size.width(), size.height()), "region.jpg", 85, colour);
+        QVERIFY(!jpeg.isEmpty());
+        const QByteArray data = bytes(jpeg);
+        const MMOrientation turn = MMOrientation::fromExif(orientation);
+        const QSize stored = size, scaled((size.width() + scale - 1) / scale, (size.height() + scale - 1) / scale);
+        const QImage full = scale == 1 ? MMJpegCodec::decode(data)
+                                       : MMJpegRegionDecoder::decode(data, stored, scale, QRect(QPoint(0, 0), scaled),
+                                                                     MMOrientation(), QImage::Format_RGB32);
+        QCOMPARE(full.size(), scaled);
+
+        const QImage region = MMJpegRegionDecoder::decode(data, stored, scale, rect, turn, QImage::Format_RGB32);
+
+        QCOMPARE(region, turn.apply(full.copy(rect)));
+        const QImage packed = MMJpegRegionDecoder::decode(data, stored, scale, rect, turn, QImage::Format_RGB888);
+        QCOMPARE(packed.convertToFormat(region.format()), region);
+    }
+
+    void splitDecodeRefusesDamageInEitherPart_data()
+    {
+        QTest::addColumn<int>("component"); // whose first AC scan is damaged
+        QTest::newRow("luma's scan") << 1;
+        QTest::newRow("chroma's scan") << 3;
+    }
+
+    // Each part of a progressive picture decoded by component reads only some
+    // of the scans: damage in a scan either part reads must still fail the
+    // whole decode, never come out as a picture.
+    void splitDecodeRefusesDamageInEitherPart()
+    {
+        QFETCH(int, component);
+        QByteArray data = bytes(makeJpeg(detailedPhoto(QSize(1280, 1024)), "damaged.jpg", 90, { "-progressive" }));
+        const QSize size(1280, 1024);
+        QVERIFY(!MMJpegRegionDecoder::decode(data, size, 1, QRect(QPoint(), size), MMOrientation(), QImage::Format_RGB32)
+                     .isNull());
+        // An AC scan header: FF DA, length 8, one component, its id.
+        const QByteArray header = QByteArray("\xFF\xDA\x00\x08\x01", 5) + char(component);
+        const qsizetype scan = data.indexOf(header);
+        QVERIFY(scan > 0);
+        // A marker in the middle of the scan's coded data cuts it short.
+        data[scan + 400] = char(0xFF);
+        data[scan + 401] = char(0xD3);
+
+        QVERIFY(MMJpegRegionDecoder::decode(data, size, 1, QRect(QPoint(), size), MMOrientation(), QImage::Format_RGB32)
+                    .isNull());
+    }
+
+    void plannedSaveMatchesNaiveReplay_data()
+    {
+        QTest::addColumn<int>("orientation");
+        QTest::addColumn<QString>("commands");
+        QTest::newRow("crop") << 1 << "c21,13,77,51";
+        QTest::newRow("turn, mirror, crop") << 1 << "r90 mh c11,19,50,71";
+        QTest::newRow("half size") << 1 << "s88,60";
+        QTest::newRow("crop off the scaled grid, then a fifth") << 1 << "c13,9,131,101 s26,20";
+        QTest::newRow("crop on the scaled grid, then a quarter") << 1 << "c16,8,131,101 s32,25";
+        QTest::newRow("stored on its side, chain, then sepia") << 6 << "r90 mh c8,20,100,80 s33,27 e2";
+        QTest::newRow("resize, then turn and crop as they are") << 8 << "s40,60 r-90 c5,5,30,30";
+    }
+
+    void plannedSaveMatchesNaiveReplay()
+    {
+        QFETCH(int, orientation);
+        QFETCH(QString, commands);
+        const QString in = makeJpeg(photo(176, 120), "plan.jpg", 90), out = path("plan-out.jpg");
+        QVERIFY(run("exiftool", { "-q", "-overwrite_original", QString("-Orientation#=%1").arg(orientation), in }));
+        CommandList list;
+        parseCommands(commands, list);
+        QImage naive = MMImageDecoder::decode(in);
+        QVERIFY(applyAll(list, naive));
+        naive = naive.convertToFormat(QImage::Format_RGB32);
+        const double reencoding =
+            meanDifference(naive, MMJpegCodec::decode(MMJpegCodec::encode(naive, 90, MMJpegHeader::Sub420, false)));
+
+        QCOMPARE(MMCommandRunner::run(source(in), source(out), list.list), 0);
+
+        const QImage planned = djpeg(out);
+        QCOMPARE(planned.size(), naive.size());
+        // The saved file is one re-encode away from the naive result; planning
+        // may add at most as much again.
+        const double difference = meanDifference(planned, naive);
+        QVERIFY2(difference <= 2 * reencoding + 0.25, qPrintable(QString("%1 vs %2").arg(difference).arg(reencoding)));
+    }
+
+    void shrinkWhileDecodingAveragesAreas_data()
+    {
+        QTest::addColumn<QSize>("size");
+        QTest::addColumn<int>("orientation");
+        QTest::addColumn<QSize>("target");
+        QTest::newRow("half, one thread") << QSize(300, 200) << 1 << QSize(150, 100);
+        QTest::newRow("uneven, turned right, two threads") << QSize(1280, 1024) << 6 << QSize(391, 517);
+        QTest::newRow("just below full, mirrored") << QSize(1281, 1023) << 2 << QSize(1280, 1021);
+        QTest::newRow("one row") << QSize(1600, 900) << 1 << QSize(800, 1);
+    }
+
+    // A shrink while decoding is the area average ImageMagick's -scale makes of
+    // the full decode.
+    void shrinkWhileDecodingAveragesAreas()
+    {
+        QFETCH(QSize, size);
+        QFETCH(int, orientation);
+        QFETCH(QSize, target);
+        const QString jpeg = makeJpeg(photo(size.width(), size.height()), "shrink.jpg", 90);
+        const QString full = path("shrink-full.ppm"), reference = path("shrink-ref.ppm");
+        QVERIFY(run("djpeg", { "-pnm", "-outfile", full, jpeg }));
+        const MMOrientation turn = MMOrientation::fromExif(orientation);
+        const QSize stored = turn.map(target);
+        QVERIFY(run("convert", { full, "-scale", QString("%1x%2!").arg(stored.width()).arg(stored.height()), reference }));
+        const QImage expected = turn.apply(QImage(reference).convertToFormat(QImage::Format_RGB32));
+
+        const QImage shrunk = MMJpegRegionDecoder::decode(bytes(jpeg), size, 1, QRect(QPoint(0, 0), size), turn,
+                                                          QImage::Format_RGB32, target);
+
+        QCOMPARE(shrunk.size(), target);
+        int worst = 0;
+        for (int y = 0; y < target.height(); ++y)
+            for (int x = 0; x < target.width(); ++x) {
+                const QRgb a = shrunk.pixel(x, y), b = expected.pixel(x, y);
+                worst = qMax(worst, qMax(qAbs(qRed(a) - qRed(b)), qMax(qAbs(qGreen(a) - qGreen(b)), qAbs(qBlue(a) - qBlue(b)))));
+            }
+        QVERIFY2(worst <= 1, qPrintable(QString("worst difference %1").arg(worst)));
+    }
+
+    void progressiveEighthReadsOnlyWhatItNeeds_data()
+    {
+        QTest::addColumn<QString>("colour");
+        QTest::addColumn<QSize>("size");
+        QTest::newRow("4:2:2") << "-sample 2x1" << QSize(1203, 901);
+        QTest::newRow("4:2:0") << "-sample 2x2" << QSize(640, 480);
+        QTest::newRow("grey") << "-grayscale" << QSize(333, 250);
+    }
+
+    // A whole progressive picture at 1/8 scale, read only until its DC is
+    // whole, equals djpeg's decode of every scan at 1/8; a stream cut off
+    // before then is refused.
+    void progressiveEighthReadsOnlyWhatItNeeds()
+    {
+        QFETCH(QString, colour);
+        QFETCH(QSize, size);
+        const QString jpeg = makeJpeg(detailedPhoto(size), "eighth.jpg", 95, colour.split(' ') + QStringList{ "-progressive" });
+        QVERIFY(!jpeg.isEmpty());
+        QByteArray reference;
+        QVERIFY(run("djpeg", { "-scale", "1/8", "-pnm", jpeg }, &reference));
+        const QImage expected = QImage::fromData(reference).convertToFormat(QImage::Format_RGB32);
+        const QRect whole(0, 0, (size.width() + 7) / 8, (size.height() + 7) / 8);
+        const QByteArray data = bytes(jpeg);
+
+        const QImage eighth = MMJpegRegionDecoder::decode(data, size, 8, whole, MMOrientation(), QImage::Format_RGB32);
+
+        QCOMPARE(eighth.convertToFormat(QImage::Format_RGB32), expected);
+        // Cut inside the first (DC) scan: damage, not a picture.
+        const int firstScan = data.indexOf("\xFF\xDA");
+        QVERIFY(firstScan > 0);
+        QVERIFY(MMJpegRegionDecoder::decode(data.left(firstScan + 40), size, 8, whole, MMOrientation(),
+                                            QImage::Format_RGB32).isNull());
+    }
+
+    void stripEncodeDecodesAsOnePiece_data()
+    {
+        QTest::addColumn<QSize>("size");
+        QTest::addColumn<QString>("sampling");
+        QTest::addColumn<int>("quality");
+        QTest::addColumn<bool>("progressive");
+        QTest::newRow("4:2:0, partial blocks at the edges") << QSize(1283, 1021) << "2x2" << 90 << false;
+        QTest::newRow("4:2:2 tall") << QSize(700, 3001) << "2x1" << 92 << false;
+        QTest::newRow("4:4:4, more strips than threads") << QSize(2048, 2056) << "1x1" << 90 << false;
+        QTest::newRow("grey") << QSize(1100, 1000) << "grey" << 75 << false;
+        QTest::newRow("small: one piece") << QSize(300, 200) << "2x2" << 90 << false;
+        QTest::newRow("4:2:2 at quality 100") << QSize(1300, 1000) << "2x1" << 100 << false;
+        // Progressive: luma and chroma scans written apart, then joined.
+        QTest::newRow("progressive 4:2:2 at quality 100") << QSize(1301, 1003) << "2x1" << 100 << true;
+        QTest::newRow("progressive 4:2:0") << QSize(1283, 1021) << "2x2" << 85 << true;
+        QTest::newRow("progressive 4:4:4") << QSize(1024, 1100) << "1x1" << 92 << true;
+        QTest::newRow("progressive grey: one piece") << QSize(1100, 1000) << "grey" << 90 << true;
+    }
+
+    // Strips (or scans) encoded apart and joined decode to exactly the pixels of
+    // the same picture encoded in one piece by cjpeg, without a warning from
+    // djpeg: the same coefficients, however the stream is cut.
+    void stripEncodeDecodesAsOnePiece()
+    {
+        QFETCH(QSize, size);
+        QFETCH(QString, sampling);
+        QFETCH(int, quality);
+        QFETCH(bool, progressive);
+        QImage image = detailedPhoto(size);
+        const bool grey = sampling == "grey";
+        if (grey)
+            image = image.convertToFormat(QImage::Format_Grayscale8);
+        const MMJpegHeader::Subsampling sub = grey ? MMJpegHeader::SubGray
+            : sampling == "2x2" ? MMJpegHeader::Sub420 : sampling == "2x1" ? MMJpegHeader::Sub422 : MMJpegHeader::Sub444;
+        const QString ours = path("strips.jpg"), ppm = path("strips.pnm"), theirs = path("strips-ref.jpg");
+        const QByteArray encoded = MMJpegCodec::encode(image, quality, sub, progressive);
+        QVERIFY(writeBytes(ours, encoded));
+        QCOMPARE(encoded.contains("\xFF\xC2"), progressive);
+        QVERIFY(image.save(ppm, grey ? "PGM" : "PPM"));
+        const QStringList colour = grey ? QStringList{ "-grayscale" } : QStringList{ "-sample", sampling };
+        // TurboJPEG encodes with the fast DCT below quality 96.
+        const QString dct = quality < 96 ? "fast" : "int";
+        QVERIFY(run("cjpeg", colour + QStringList{ "-dct", dct, "-quality", QString::number(quality), "-outfile", theirs, ppm }));
+
+        const QImage decoded = djpeg(ours);
+        QCOMPARE(decoded.size(), size);
+        QCOMPARE(decoded, djpeg(theirs));
+    }
 
 private:
     QString path(const QString &name) const { return m_dir.filePath(name); }
-    QString makeJpeg(const QImage &image, const QString &name, int quality);
-    static int runCommands(const QString &in, const QString &out, const QString &commands);
+    // The picture as cjpeg codes it, with the options given.
+    QString makeJpeg(const QImage &image, const QString &name, int quality, const QStringList &options = {});
     // photo() with fine detail, so that a block or strip out of place shows.
     static QImage detailedPhoto(const QSize &size);
     QTemporaryDir m_dir;
 };
 
-void TestEngineJpeg::initTestCase()
-{
-    VO_REQUIRE_TOOL("cjpeg");
-    VO_REQUIRE_TOOL("djpeg");
-    VO_REQUIRE_TOOL("jpegtran");
-    VO_REQUIRE_TOOL("exiftool");
-    VO_REQUIRE_TOOL("identify");
-}
-
-QString TestEngineJpeg::makeJpeg(const QImage &image, const QString &name, int quality)
+QString TestEngineJpeg::makeJpeg(const QImage &image, const QString &name, int quality, const QStringList &options)
 {
     const QString ppm = path(name + ".ppm"), out = path(name);
-    image.save(ppm, "PPM");
-    run("cjpeg", { "-quality", QString::number(quality), "-outfile", out, ppm });
-    return out;
+    const bool made = image.save(ppm, "PPM")
+        && run("cjpeg", options + QStringList{ "-quality", QString::number(quality), "-outfile", out, ppm });
+    return made ? out : QString();
 }
 
 QImage TestEngineJpeg::detailedPhoto(const QSize &size)
@@ -75,405 +390,6 @@ QImage TestEngineJpeg::detailedPhoto(const QSize &size)
         for (int x = (y * 7) % 5; x < size.width(); x += 5)
             image.setPixel(x, y, qRgb((x * 31) % 256, (y * 17) % 256, ((x + y) * 13) % 256));
     return image;
-}
-
-int TestEngineJpeg::runCommands(const QString &in, const QString &out, const QString &commands)
-{
-    CommandList list;
-    parseCommands(commands, list);
-    return MMCommandRunner::run(source(in), source(out), list.list);
-}
-
-void TestEngineJpeg::losslessMatchesJpegtran_data()
-{
-    QTest::addColumn<QString>("commands");
-    QTest::addColumn<QStringList>("jpegtran");
-    QTest::newRow("right") << "r90" << QStringList{ "-rotate", "90" };
-    QTest::newRow("left") << "r-90" << QStringList{ "-rotate", "270" };
-    QTest::newRow("mirror horizontal") << "mh" << QStringList{ "-flip", "horizontal" };
-    QTest::newRow("right then mirror: transpose") << "r90 mh" << QStringList{ "-transpose" };
-    QTest::newRow("mirror then right: transverse") << "mh r90" << QStringList{ "-transverse" };
-    QTest::newRow("three rights and both mirrors") << "r90 r90 r90 mh mv" << QStringList{ "-rotate", "90" };
-}
-
-void TestEngineJpeg::losslessMatchesJpegtran()
-{
-    QFETCH(QString, commands);
-    QFETCH(QStringList, jpegtran);
-    // 4:2:0 in whole 16x16 blocks, no metadata: every transform is perfect
-    // and the file is just what jpegtran writes.
-    const QString in = makeJpeg(photo(256, 192), "lossless.jpg", 85), out = path("lossless-out.jpg");
-    QByteArray reference;
-    QVERIFY(run("jpegtran", QStringList{ "-perfect", "-copy", "all" } + jpegtran + QStringList{ in }, &reference));
-
-    QCOMPARE(runCommands(in, out, commands), 0);
-
-    QCOMPARE(bytes(out), reference);
-}
-
-void TestEngineJpeg::identityChainLeavesBytesUnchanged()
-{
-    // 100x70 allows no perfect transform: nothing may be re-encoded.
-    const QString in = makeJpeg(photo(100, 70), "identity.jpg", 80), out = path("identity-out.jpg");
-    const QByteArray before = bytes(in);
-
-    QCOMPARE(runCommands(in, out, "r90 mh r90 mh"), 0);
-    QCOMPARE(runCommands(in, in, "r-90 r180 mv mh r90"), 0);
-
-    QCOMPARE(bytes(out), before);
-    QCOMPARE(bytes(in), before);
-}
-
-void TestEngineJpeg::orientationsComeOutUpright_data()
-{
-    QTest::addColumn<int>("orientation");
-    QTest::addColumn<int>("block");
-    QTest::addColumn<QString>("upright");
-    // Stored ABC/DEF as it is shown under each orientation, as EXIF defines
-    // them. 16-pixel blocks allow a perfect transform, 20-pixel ones do not.
-    const char *upright[] = { "ABC/DEF", "CBA/FED", "FED/CBA", "DEF/ABC", "AD/BE/CF", "DA/EB/FC", "FC/EB/DA", "CF/BE/AD" };
-    for (int o = 1; o <= 8; ++o) {
-        QTest::addRow("%d lossless", o) << o << 16 << upright[o - 1];
-        QTest::addRow("%d re-encoded", o) << o << 20 << upright[o - 1];
-    }
-}
-
-void TestEngineJpeg::orientationsComeOutUpright()
-{
-    QFETCH(int, orientation);
-    QFETCH(int, block);
-    QFETCH(QString, upright);
-    const QString in = makeJpeg(fromLetters("ABC/DEF").scaled(3 * block, 2 * block), "oriented.jpg", 95);
-    QVERIFY(run("exiftool", { "-q", "-overwrite_original", QString("-Orientation#=%1").arg(orientation), in }));
-    const QString out = path("oriented-out.jpg");
-    const QString turned = toLetters(fromLetters(upright).transformed(QTransform().rotate(90)));
-    MMImageInfo info;
-
-    QCOMPARE(source(in).getImageInfo(info), 0);
-    QCOMPARE(runCommands(in, out, "r90"), 0);
-
-    QCOMPARE(info.orientation, orientation);
-    QCOMPARE(QSize(info.width, info.height), orientation >= 5 ? QSize(2, 3) * block : QSize(3, 2) * block);
-    QCOMPARE(toLetters(MMImageDecoder::decode(in), block), upright);
-    // The stored pixels themselves are upright (then turned as asked).
-    QCOMPARE(toLetters(djpeg(out), block), turned);
-    QByteArray tag;
-    QVERIFY(run("exiftool", { "-s3", "-n", "-Orientation", out }, &tag));
-    QVERIFY2(tag.trimmed().isEmpty() || tag.trimmed() == "1", tag.constData());
-}
-
-void TestEngineJpeg::metadataSurvivesSaves_data()
-{
-    QTest::addColumn<QSize>("size");
-    QTest::addColumn<QString>("commands");
-    QTest::addColumn<QSize>("expected");
-    QTest::newRow("lossless turn") << QSize(128, 96) << "r90" << QSize(96, 128);
-    QTest::newRow("re-encoded turn") << QSize(130, 90) << "r-90" << QSize(90, 130);
-    QTest::newRow("resize and sepia") << QSize(128, 96) << "s64,48 e2" << QSize(64, 48);
-}
-
-void TestEngineJpeg::metadataSurvivesSaves()
-{
-    QFETCH(QSize, size);
-    QFETCH(QString, commands);
-    QFETCH(QSize, expected);
-    const QString icc = path("srgb.icc");
-    QVERIFY(writeBytes(icc, QColorSpace(QColorSpace::SRgb).iccProfile()));
-    const QString in = makeJpeg(photo(size.width(), size.height()), "meta.jpg", 90), out = path("meta-out.jpg");
-    QVERIFY(run("exiftool", { "-q", "-overwrite_original", "-Make=VoTestMake", "-Orientation#=1",
-                              QString("-ExifImageWidth=%1").arg(size.width()),
-                              QString("-ExifImageHeight=%1").arg(size.height()), "-DateTimeOriginal=2020:01:02 03:04:05",
-                              "-XMP-dc:Title=Harbour", "-ICC_Profile<=" + icc, in }));
-
-    QCOMPARE(runCommands(in, out, commands), 0);
-
-    QByteArray tags, quality;
-    QVERIFY(run("exiftool", { "-s3", "-n", "-Make", "-DateTimeOriginal", "-XMP-dc:Title", "-ICC_Profile:ProfileDescription",
-                              "-ExifImageWidth", "-ExifImageHeight", "-Orientation", out }, &tags));
-    QCOMPARE(QString::fromUtf8(tags).trimmed().split('\n'),
-             QStringList({ "VoTestMake", "2020:01:02 03:04:05", "Harbour", "sRGB", QString::number(expected.width()),
-                           QString::number(expected.height()), "1" }));
-    QCOMPARE(djpeg(out).size(), expected);
-    // A re-encode keeps the source's quality, as ImageMagick estimates it.
-    QVERIFY(run("identify", { "-format", "%Q", out }, &quality));
-    QVERIFY2(qAbs(quality.toInt() - 90) <= 2, quality.constData());
-}
-
-void TestEngineJpeg::qualityIsEstimated_data()
-{
-    QTest::addColumn<int>("quality");
-    for (int q : { 25, 75, 90, 100 })
-        QTest::addRow("%d", q) << q;
-}
-
-void TestEngineJpeg::qualityIsEstimated()
-{
-    QFETCH(int, quality);
-    QFile file(makeJpeg(photo(64, 48), QString("q%1.jpg").arg(quality), quality));
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    MMJpegHeader header;
-
-    QVERIFY(header.read(file));
-
-    QVERIFY2(qAbs(header.estimatedQuality() - quality) <= 2, qPrintable(QString::number(header.estimatedQuality())));
-}
-
-void TestEngineJpeg::regionDecodeEqualsFullDecode_data()
-{
-    QTest::addColumn<QString>("sampling");
-    QTest::addColumn<int>("scale");
-    QTest::addColumn<QRect>("rect");
-    QTest::addColumn<int>("orientation");
-    QTest::addColumn<QSize>("size");
-    // Odd offsets inside blocks, the picture's edges, every orientation.
-    QTest::newRow("4:2:0 inner") << "2x2" << 1 << QRect(37, 21, 101, 77) << 1 << QSize(176, 120);
-    QTest::newRow("4:2:0 on block edges") << "2x2" << 1 << QRect(32, 32, 64, 48) << 1 << QSize(176, 120);
-    QTest::newRow("4:2:2 on block edges, half scale") << "2x1" << 2 << QRect(16, 8, 32, 24) << 1 << QSize(176, 120);
-    QTest::newRow("4:2:0 turned right") << "2x2" << 1 << QRect(17, 33, 90, 50) << 6 << QSize(176, 120);
-    QTest::newRow("4:2:2 transverse") << "2x1" << 1 << QRect(1, 1, 170, 110) << 7 << QSize(176, 120);
-    QTest::newRow("4:4:4 left, to the bottom") << "1x1" << 1 << QRect(0, 40, 63, 80) << 8 << QSize(176, 120);
-    QTest::newRow("4:2:2 whole, mirrored") << "2x1" << 1 << QRect(0, 0, 176, 120) << 2 << QSize(176, 120);
-    QTest::newRow("4:2:0 progressive, below the top") << "2x2 -progressive" << 1 << QRect(21, 57, 80, 40) << 6 << QSize(176, 120);
-    QTest::newRow("grey transposed") << "grey" << 1 << QRect(15, 9, 48, 100) << 5 << QSize(176, 120);
-    QTest::newRow("4:2:0 half scale, upside down") << "2x2" << 2 << QRect(9, 7, 61, 44) << 3 << QSize(176, 120);
-    QTest::newRow("4:2:2 eighth scale") << "2x1" << 8 << QRect(3, 2, 18, 13) << 4 << QSize(176, 120);
-    // Large enough to be decoded by two threads, the second starting mid-picture.
-    QTest::newRow("split 4:2:0 turned right") << "2x2" << 1 << QRect(3, 5, 1271, 1013) << 6 << QSize(1280, 1024);
-    QTest::newRow("split 4:2:2 region, mirrored") << "2x1" << 1 << QRect(41, 300, 1100, 700) << 2 << QSize(1280, 1024);
-    QTest::newRow("split grey whole") << "grey" << 1 << QRect(0, 0, 1280, 1024) << 1 << QSize(1280, 1024);
-    QTest::newRow("split 4:2:0 half scale") << "2x2" << 2 << QRect(0, 0, 1100, 1000) << 8 << QSize(2200, 2000);
-    // Progressive and large: luma and chroma decoded apart, then joined.
-    QTest::newRow("split progressive 4:2:0 turned right") << "2x2 -progressive" << 1 << QRect(7, 9, 1200, 1000) << 6 << QSize(1280, 1024);
-    QTest::newRow("split progressive 4:2:2 region, mirrored") << "2x1 -progressive" << 1 << QRect(41, 300, 1100, 700) << 2 << QSize(1280, 1024);
-    QTest::newRow("split progressive 4:4:4 whole, turned left") << "1x1 -progressive" << 1 << QRect(0, 0, 1280, 1024) << 8 << QSize(1280, 1024);
-}
-
-void TestEngineJpeg::regionDecodeEqualsFullDecode()
-{
-    QFETCH(QString, sampling);
-    QFETCH(int, scale);
-    QFETCH(QRect, rect);
-    QFETCH(int, orientation);
-    QFETCH(QSize, size);
-    const QString ppm = path("region.ppm"), jpeg = path("region.jpg");
-    QVERIFY(photo(size.width(), size.height()).save(ppm, "PPM"));
-    const QStringList colour = sampling == "grey" ? QStringList{ "-grayscale" } : ("-sample " + sampling).split(' ');
-    QVERIFY(run("cjpeg", colour + QStringList{ "-quality", "85", "-outfile", jpeg, ppm }));
-    const QByteArray data = bytes(jpeg);
-    const MMOrientation turn = MMOrientation::fromExif(orientation);
-    const QSize stored = size, scaled((size.width() + scale - 1) / scale, (size.height() + scale - 1) / scale);
-    const QImage full = scale == 1 ? MMJpegCodec::decode(data)
-                                   : MMJpegRegionDecoder::decode(data, stored, scale, QRect(QPoint(0, 0), scaled),
-                                                                 MMOrientation(), QImage::Format_RGB32);
-    QCOMPARE(full.size(), scaled);
-
-    const QImage region = MMJpegRegionDecoder::decode(data, stored, scale, rect, turn, QImage::Format_RGB32);
-
-    QCOMPARE(region, turn.apply(full.copy(rect)));
-    const QImage packed = MMJpegRegionDecoder::decode(data, stored, scale, rect, turn, QImage::Format_RGB888);
-    QCOMPARE(packed.convertToFormat(region.format()), region);
-}
-
-void TestEngineJpeg::splitDecodeRefusesDamageInEitherPart_data()
-{
-    QTest::addColumn<int>("component"); // whose first AC scan is damaged
-    QTest::newRow("luma's scan") << 1;
-    QTest::newRow("chroma's scan") << 3;
-}
-
-// Each part of a progressive picture decoded by component reads only some
-// of the scans: damage in a scan either part reads must still fail the
-// whole decode, never come out as a picture.
-void TestEngineJpeg::splitDecodeRefusesDamageInEitherPart()
-{
-    QFETCH(int, component);
-    const QString ppm = path("damaged.ppm"), jpeg = path("damaged.jpg");
-    QVERIFY(detailedPhoto(QSize(1280, 1024)).save(ppm, "PPM"));
-    QVERIFY(run("cjpeg", { "-progressive", "-quality", "90", "-outfile", jpeg, ppm }));
-    QByteArray data = bytes(jpeg);
-    const QSize size(1280, 1024);
-    QVERIFY(!MMJpegRegionDecoder::decode(data, size, 1, QRect(QPoint(), size), MMOrientation(), QImage::Format_RGB32)
-                 .isNull());
-    // An AC scan header: FF DA, length 8, one component, its id.
-    const QByteArray header = QByteArray("\xFF\xDA\x00\x08\x01", 5) + char(component);
-    const qsizetype scan = data.indexOf(header);
-    QVERIFY(scan > 0);
-    // A marker in the middle of the scan's coded data cuts it short.
-    data[scan + 400] = char(0xFF);
-    data[scan + 401] = char(0xD3);
-
-    QVERIFY(MMJpegRegionDecoder::decode(data, size, 1, QRect(QPoint(), size), MMOrientation(), QImage::Format_RGB32)
-                .isNull());
-}
-
-void TestEngineJpeg::plannedSaveMatchesNaiveReplay_data()
-{
-    QTest::addColumn<int>("orientation");
-    QTest::addColumn<QString>("commands");
-    QTest::newRow("crop") << 1 << "c21,13,77,51";
-    QTest::newRow("turn, mirror, crop") << 1 << "r90 mh c11,19,50,71";
-    QTest::newRow("half size") << 1 << "s88,60";
-    QTest::newRow("crop off the scaled grid, then a fifth") << 1 << "c13,9,131,101 s26,20";
-    QTest::newRow("crop on the scaled grid, then a quarter") << 1 << "c16,8,131,101 s32,25";
-    QTest::newRow("stored on its side, chain, then sepia") << 6 << "r90 mh c8,20,100,80 s33,27 e2";
-    QTest::newRow("resize, then turn and crop as they are") << 8 << "s40,60 r-90 c5,5,30,30";
-}
-
-void TestEngineJpeg::plannedSaveMatchesNaiveReplay()
-{
-    QFETCH(int, orientation);
-    QFETCH(QString, commands);
-    const QString in = makeJpeg(photo(176, 120), "plan.jpg", 90), out = path("plan-out.jpg");
-    QVERIFY(run("exiftool", { "-q", "-overwrite_original", QString("-Orientation#=%1").arg(orientation), in }));
-    CommandList list;
-    parseCommands(commands, list);
-    QImage naive = MMImageDecoder::decode(in);
-    QVERIFY(applyAll(list, naive));
-    naive = naive.convertToFormat(QImage::Format_RGB32);
-    auto meanDifference = [](const QImage &a, const QImage &b) {
-        qint64 sum = 0;
-        for (int y = 0; y < a.height(); ++y)
-            for (int x = 0; x < a.width(); ++x) {
-                const QRgb p = a.pixel(x, y), q = b.pixel(x, y);
-                sum += qAbs(qRed(p) - qRed(q)) + qAbs(qGreen(p) - qGreen(q)) + qAbs(qBlue(p) - qBlue(q));
-            }
-        return double(sum) / (3.0 * a.width() * a.height());
-    };
-    const double reencoding =
-        meanDifference(naive, MMJpegCodec::decode(MMJpegCodec::encode(naive, 90, MMJpegHeader::Sub420, false)));
-
-    QCOMPARE(MMCommandRunner::run(source(in), source(out), list.list), 0);
-
-    const QImage planned = djpeg(out);
-    QCOMPARE(planned.size(), naive.size());
-    // The saved file is one re-encode away from the naive result; planning
-    // may add at most as much again.
-    const double difference = meanDifference(planned, naive);
-    QVERIFY2(difference <= 2 * reencoding + 0.25, qPrintable(QString("%1 vs %2").arg(difference).arg(reencoding)));
-}
-
-void TestEngineJpeg::shrinkWhileDecodingAveragesAreas_data()
-{
-    QTest::addColumn<QSize>("size");
-    QTest::addColumn<int>("orientation");
-    QTest::addColumn<QSize>("target");
-    QTest::newRow("half, one thread") << QSize(300, 200) << 1 << QSize(150, 100);
-    QTest::newRow("uneven, turned right, two threads") << QSize(1280, 1024) << 6 << QSize(391, 517);
-    QTest::newRow("just below full, mirrored") << QSize(1281, 1023) << 2 << QSize(1280, 1021);
-    QTest::newRow("one row") << QSize(1600, 900) << 1 << QSize(800, 1);
-}
-
-// A shrink while decoding is the area average ImageMagick's -scale makes of
-// the full decode.
-void TestEngineJpeg::shrinkWhileDecodingAveragesAreas()
-{
-    QFETCH(QSize, size);
-    QFETCH(int, orientation);
-    QFETCH(QSize, target);
-    const QString jpeg = makeJpeg(photo(size.width(), size.height()), "shrink.jpg", 90);
-    const QString full = path("shrink-full.ppm"), reference = path("shrink-ref.ppm");
-    QVERIFY(run("djpeg", { "-pnm", "-outfile", full, jpeg }));
-    const MMOrientation turn = MMOrientation::fromExif(orientation);
-    const QSize stored = turn.map(target);
-    QVERIFY(run("convert", { full, "-scale", QString("%1x%2!").arg(stored.width()).arg(stored.height()), reference }));
-    const QImage expected = turn.apply(QImage(reference).convertToFormat(QImage::Format_RGB32));
-
-    const QImage shrunk = MMJpegRegionDecoder::decode(bytes(jpeg), size, 1, QRect(QPoint(0, 0), size), turn,
-                                                      QImage::Format_RGB32, target);
-
-    QCOMPARE(shrunk.size(), target);
-    int worst = 0;
-    for (int y = 0; y < target.height(); ++y)
-        for (int x = 0; x < target.width(); ++x) {
-            const QRgb a = shrunk.pixel(x, y), b = expected.pixel(x, y);
-            worst = qMax(worst, qMax(qAbs(qRed(a) - qRed(b)), qMax(qAbs(qGreen(a) - qGreen(b)), qAbs(qBlue(a) - qBlue(b)))));
-        }
-    QVERIFY2(worst <= 1, qPrintable(QString("worst difference %1").arg(worst)));
-}
-
-void TestEngineJpeg::progressiveEighthReadsOnlyWhatItNeeds_data()
-{
-    QTest::addColumn<QString>("colour");
-    QTest::addColumn<QSize>("size");
-    QTest::newRow("4:2:2") << "-sample 2x1" << QSize(1203, 901);
-    QTest::newRow("4:2:0") << "-sample 2x2" << QSize(640, 480);
-    QTest::newRow("grey") << "-grayscale" << QSize(333, 250);
-}
-
-// A whole progressive picture at 1/8 scale, read only until its DC is
-// whole, equals djpeg's decode of every scan at 1/8; a stream cut off
-// before then is refused.
-void TestEngineJpeg::progressiveEighthReadsOnlyWhatItNeeds()
-{
-    QFETCH(QString, colour);
-    QFETCH(QSize, size);
-    const QImage image = detailedPhoto(size);
-    const QString ppm = path("eighth.ppm"), jpeg = path("eighth.jpg");
-    QVERIFY(image.save(ppm, "PPM"));
-    QVERIFY(run("cjpeg", colour.split(' ') + QStringList{ "-progressive", "-quality", "95", "-outfile", jpeg, ppm }));
-    QByteArray reference;
-    QVERIFY(run("djpeg", { "-scale", "1/8", "-pnm", jpeg }, &reference));
-    const QImage expected = QImage::fromData(reference).convertToFormat(QImage::Format_RGB32);
-    const QRect whole(0, 0, (size.width() + 7) / 8, (size.height() + 7) / 8);
-    const QByteArray data = bytes(jpeg);
-
-    const QImage eighth = MMJpegRegionDecoder::decode(data, size, 8, whole, MMOrientation(), QImage::Format_RGB32);
-
-    QCOMPARE(eighth.convertToFormat(QImage::Format_RGB32), expected);
-    // Cut inside the first (DC) scan: damage, not a picture.
-    const int firstScan = data.indexOf("\xFF\xDA");
-    QVERIFY(firstScan > 0);
-    QVERIFY(MMJpegRegionDecoder::decode(data.left(firstScan + 40), size, 8, whole, MMOrientation(),
-                                        QImage::Format_RGB32).isNull());
-}
-
-void TestEngineJpeg::stripEncodeDecodesAsOnePiece_data()
-{
-    QTest::addColumn<QSize>("size");
-    QTest::addColumn<QString>("sampling");
-    QTest::addColumn<int>("quality");
-    QTest::addColumn<bool>("progressive");
-    QTest::newRow("4:2:0, partial blocks at the edges") << QSize(1283, 1021) << "2x2" << 90 << false;
-    QTest::newRow("4:2:2 tall") << QSize(700, 3001) << "2x1" << 92 << false;
-    QTest::newRow("4:4:4, more strips than threads") << QSize(2048, 2056) << "1x1" << 90 << false;
-    QTest::newRow("grey") << QSize(1100, 1000) << "grey" << 75 << false;
-    QTest::newRow("small: one piece") << QSize(300, 200) << "2x2" << 90 << false;
-    QTest::newRow("4:2:2 at quality 100") << QSize(1300, 1000) << "2x1" << 100 << false;
-    // Progressive: luma and chroma scans written apart, then joined.
-    QTest::newRow("progressive 4:2:2 at quality 100") << QSize(1301, 1003) << "2x1" << 100 << true;
-    QTest::newRow("progressive 4:2:0") << QSize(1283, 1021) << "2x2" << 85 << true;
-    QTest::newRow("progressive 4:4:4") << QSize(1024, 1100) << "1x1" << 92 << true;
-    QTest::newRow("progressive grey: one piece") << QSize(1100, 1000) << "grey" << 90 << true;
-}
-
-// Strips (or scans) encoded apart and joined decode to exactly the pixels of
-// the same picture encoded in one piece by cjpeg, without a warning from
-// djpeg: the same coefficients, however the stream is cut.
-void TestEngineJpeg::stripEncodeDecodesAsOnePiece()
-{
-    QFETCH(QSize, size);
-    QFETCH(QString, sampling);
-    QFETCH(int, quality);
-    QFETCH(bool, progressive);
-    QImage image = detailedPhoto(size);
-    const bool grey = sampling == "grey";
-    if (grey)
-        image = image.convertToFormat(QImage::Format_Grayscale8);
-    const MMJpegHeader::Subsampling sub = grey ? MMJpegHeader::SubGray
-        : sampling == "2x2" ? MMJpegHeader::Sub420 : sampling == "2x1" ? MMJpegHeader::Sub422 : MMJpegHeader::Sub444;
-    const QString ours = path("strips.jpg"), ppm = path("strips.pnm"), theirs = path("strips-ref.jpg");
-    const QByteArray encoded = MMJpegCodec::encode(image, quality, sub, progressive);
-    QVERIFY(writeBytes(ours, encoded));
-    QCOMPARE(encoded.contains("\xFF\xC2"), progressive);
-    QVERIFY(image.save(ppm, grey ? "PGM" : "PPM"));
-    const QStringList colour = grey ? QStringList{ "-grayscale" } : QStringList{ "-sample", sampling };
-    // TurboJPEG encodes with the fast DCT below quality 96.
-    const QString dct = quality < 96 ? "fast" : "int";
-    QVERIFY(run("cjpeg", colour + QStringList{ "-dct", dct, "-quality", QString::number(quality), "-outfile", theirs, ppm }));
-
-    const QImage decoded = djpeg(ours);
-    QCOMPARE(decoded.size(), size);
-    QCOMPARE(decoded, djpeg(theirs));
 }
 
 QTEST_GUILESS_MAIN(TestEngineJpeg)

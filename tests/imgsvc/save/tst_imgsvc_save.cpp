@@ -70,48 +70,45 @@ private slots:
         QCOMPARE(mgr->isNameEntryShown() && !mgr->namePage()->note().isEmpty(), result < 0);
     }
 
-    // An existing name is replaced only after a yes; no returns to the
-    // entry with the name as typed.
-    void existingNameAsksFirst()
+    // Dropping the edits, and replacing an existing name, each ask first:
+    // no goes back (to the entry, with the name as typed), yes goes on.
+    void asksFirst_data()
     {
+        QTest::addColumn<QString>("typed"); // null: drop the edits
+        QTest::newRow("drop the edits") << QString();
+        QTest::newRow("existing name") << "taken.png";
+    }
+
+    void asksFirst()
+    {
+        QFETCH(QString, typed);
         ReportRecorder rec;
         auto mgr = makeMgr(&rec);
         QLineEdit *edit = mgr->namePage()->lineEdit();
-        sendKeys(mgr.get(), {Qt::Key_Context2});
-        edit->setText("taken.png");
-        sendKeys(edit, {Qt::Key_Select});
-        QPointer<ZPopup> question = mgr->question();
+        if (!typed.isNull()) {
+            sendKeys(mgr.get(), {Qt::Key_Context2});
+            edit->setText(typed);
+        }
+        const auto ask = [&] {
+            sendKeys(typed.isNull() ? static_cast<QWidget *>(mgr.get()) : edit, {Qt::Key_Select});
+            return QPointer<ZPopup>(mgr->question());
+        };
+        QPointer<ZPopup> question = ask();
         QVERIFY(question && question->isVisible());
-        QVERIFY(question->text().contains("taken.png"));
+        QVERIFY(typed.isNull() || question->text().contains(typed));
         sendKeys(question, {Qt::Key_Context2});
         QTRY_VERIFY(!question);
-        QVERIFY(mgr->isNameEntryShown());
-        QCOMPARE(edit->text(), QStringLiteral("taken.png"));
         QVERIFY(rec.delivered().isEmpty());
+        QCOMPARE(mgr->isNameEntryShown(), !typed.isNull());
+        QVERIFY(typed.isNull() || edit->text() == typed);
 
-        sendKeys(edit, {Qt::Key_Select});
-        question = mgr->question();
+        question = ask();
         QVERIFY(question);
         sendKeys(question, {Qt::Key_Select});
         QCOMPARE(rec.delivered(), (Reports{{CTL_EVENT_SAVE, 1}}));
-        QCOMPARE(mgr->getSaveAsFilename(), m_dir.filePath("taken.png"));
-    }
-
-    // Dropping the edits is a choice of its own that asks first.
-    void discardAsksFirst()
-    {
-        ReportRecorder rec;
-        auto mgr = makeMgr(&rec);
-        sendKeys(mgr.get(), {Qt::Key_Select});
-        QPointer<ZPopup> question = mgr->question();
-        QVERIFY(question && question->isVisible());
-        sendKeys(question, {Qt::Key_Context2});
-        QTRY_VERIFY(!question);
-        QVERIFY(rec.delivered().isEmpty());
-        sendKeys(mgr.get(), {Qt::Key_Select});
-        sendKeys(mgr->question(), {Qt::Key_Select});
-        QCOMPARE(rec.delivered(), (Reports{{CTL_EVENT_SAVE, 1}}));
-        QVERIFY(mgr->getSaveAsFilename().isNull());
+        // Dropping the edits names no file at all (not even an empty name).
+        const QString chosen = mgr->getSaveAsFilename();
+        QVERIFY2(typed.isNull() ? chosen.isNull() : chosen == m_dir.filePath(typed), qPrintable(chosen));
     }
 
     // Told only the edited file (as after a resize), new names are offered

@@ -1,7 +1,7 @@
 #include "ImgSvcTestSupport.h"
 #include "ImgSvcFitMapper.h"
 #include "ImgSvcViewer.h"
-#include <QFile>
+#include "testimages.h"
 #include <QTemporaryDir>
 #include <QTransform>
 #include <QtTest>
@@ -19,12 +19,6 @@ static QImage applyEdits(ImgSvcViewer &v, QImage img, const QString &edits)
         }
     }
     return img;
-}
-
-static QByteArray contents(const QString &path)
-{
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
 }
 
 class tst_ImgSvcViewer : public QObject
@@ -52,7 +46,7 @@ private slots:
     void editsChangeOnlyTheDisplay()
     {
         QFETCH(QString, edits);
-        const QByteArray before = contents(m_dir.filePath("small.png"));
+        const QByteArray before = testimages::bytes(m_dir.filePath("small.png"));
         ImgSvcViewer v(nullptr, nullptr);
         v.resize(240, 320);
         v.show();
@@ -63,7 +57,7 @@ private slots:
         const QImage expected = applyEdits(v, m_image, edits);
         const QImage edited = v.displayImage().convertToFormat(QImage::Format_RGB32);
         QCOMPARE(edited, expected);
-        QCOMPARE(contents(m_dir.filePath("small.png")), before);
+        QCOMPARE(testimages::bytes(m_dir.filePath("small.png")), before);
 
         // What is painted follows the display: the top-left quadrant's colour.
         const QImage painted = v.grab().toImage();
