@@ -33,7 +33,6 @@ public:
     // split() must outlive the decompression. The two parts may be attached
     // and read on two threads at once.
     void attach(jpeg_decompress_struct *cinfo, Part part);
-    const std::vector<Range> &ranges(Part part) const { return m_ranges[part]; }
 
 private:
     void keep(Part part, qsizetype from, qsizetype to);

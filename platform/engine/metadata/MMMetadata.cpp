@@ -158,21 +158,37 @@ QByteArray withPicture(const QByteArray &header, const Header &h, const QByteArr
     return out;
 }
 
-// Offset of the JFIF APP0 segment's payload among the markers ahead of the
-// image data, or -1.
-int jfifPayload(const QByteArray &jpeg)
+// Walks the application and comment segments right after the start marker,
+// giving visit(marker, offset, length) each until it returns false. Where
+// the walk stopped (the first other segment, or the one visit stopped at);
+// -1 when the stream does not start as a JPEG.
+template <class Visit> qsizetype walkApplicationSegments(const QByteArray &jpeg, Visit visit)
 {
-    const auto byte = [&jpeg](int i) { return i < jpeg.size() ? uchar(jpeg[i]) : 0; };
-    if (byte(0) != 0xFF || byte(1) != 0xD8)
+    const auto *b = reinterpret_cast<const uchar *>(jpeg.constData());
+    const qsizetype n = jpeg.size();
+    if (n < 2 || b[0] != 0xFF || b[1] != 0xD8)
         return -1;
-    int at = 2;
-    while (byte(at) == 0xFF && ((byte(at + 1) >= 0xE0 && byte(at + 1) <= 0xEF) || byte(at + 1) == 0xFE)) {
-        const int length = (byte(at + 2) << 8) | byte(at + 3);
-        if (byte(at + 1) == 0xE0 && length >= 16 && jpeg.mid(at + 4, 5) == QByteArray("JFIF", 5))
-            return at + 4;
+    qsizetype at = 2;
+    while (at + 4 <= n && b[at] == 0xFF && ((b[at + 1] >= 0xE0 && b[at + 1] <= 0xEF) || b[at + 1] == 0xFE)) {
+        const int length = (b[at + 2] << 8) | b[at + 3];
+        if (!visit(b[at + 1], at, length))
+            break;
         at += 2 + length;
     }
-    return -1;
+    return at;
+}
+
+// Offset of the JFIF APP0 segment's payload among the markers ahead of the
+// image data, or -1.
+qsizetype jfifPayload(const QByteArray &jpeg)
+{
+    qsizetype payload = -1;
+    walkApplicationSegments(jpeg, [&](int marker, qsizetype at, int length) {
+        if (marker == 0xE0 && length >= 16 && jpeg.mid(at + 4, 5) == QByteArray("JFIF", 5))
+            payload = at + 4;
+        return payload < 0;
+    });
+    return payload;
 }
 
 // The density (unit, horizontal, vertical) a print shop reads, taken from
@@ -183,7 +199,7 @@ void copyJfifDensity(const QString &sourcePath, QByteArray &jpeg)
     if (!file.open(QIODevice::ReadOnly))
         return;
     const QByteArray head = file.read(1 << 16);
-    const int from = jfifPayload(head), to = jfifPayload(jpeg);
+    const qsizetype from = jfifPayload(head), to = jfifPayload(jpeg);
     // The payload: "JFIF\0", version (2), unit (1), densities (2 + 2).
     if (from < 0 || to < 0)
         return;
@@ -260,11 +276,8 @@ MMMetadata::Segments MMMetadata::segmentsFor(const QString &sourcePath, const QS
         = kJfifStart + table + QByteArray("\xFF\xDA\x00\x08\x01\x01\x00\x00\x3F\x00\xFF\xD9", 12);
     const QByteArray header = transplant(sourcePath, stub, size, picture, keepIcc);
     Segments segments;
-    const auto *b = reinterpret_cast<const uchar *>(header.constData());
-    qsizetype at = 2;
-    while (at + 4 <= header.size() && b[at] == 0xFF && ((b[at + 1] >= 0xE0 && b[at + 1] <= 0xEF) || b[at + 1] == 0xFE))
-        at += 2 + ((b[at + 2] << 8) | b[at + 3]);
-    if (firstScan(header) < 0 || at + 4 > header.size() || header.mid(at, table.size()) != table)
+    const qsizetype at = walkApplicationSegments(header, [](int, qsizetype, int) { return true; });
+    if (firstScan(header) < 0 || at < 2 || header.mid(at, table.size()) != table)
         return segments;
     segments.ok = true;
     segments.bytes = header.mid(2, at - 2);
