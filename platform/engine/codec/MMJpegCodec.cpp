@@ -1,4 +1,5 @@
 #include "MMJpegCodec.h"
+#include "MMJpegLosslessTurner.h"
 #include "MMJpegProgressiveEncoder.h"
 #include "MMJpegStripEncoder.h"
 #include <QPainter>
@@ -142,6 +143,12 @@ QByteArray MMJpegCodec::encode(const QImage &image, int quality, MMJpegHeader::S
 QByteArray MMJpegCodec::transform(const QByteArray &jpeg, const MMOrientation &orientation, bool keepMarkers,
                                   bool progressive)
 {
+    if (!progressive) {
+        // Whole-MCU pictures: one decode, the result coded on both cores.
+        QByteArray turned = MMJpegLosslessTurner::transform(jpeg, orientation, keepMarkers);
+        if (!turned.isEmpty())
+            return turned;
+    }
     TjHandle tj(tjInitTransform());
     if (!tj.handle || jpeg.isEmpty())
         return QByteArray();

@@ -1,0 +1,22 @@
+#pragma once
+#include "MMOrientation.h"
+#include <QByteArray>
+
+// Turns or mirrors a sequential JPEG by moving its DCT coefficients, with
+// both cores: the stream is entropy-decoded once, then the result is
+// entropy-coded in strips of whole MCU rows on two threads, each strip
+// turning its own blocks, and the strips are joined by restart markers.
+// A result of one strip (a small picture) is byte for byte the usual
+// lossless transform.
+//
+// Only pictures of whole MCUs, where every turn and flip is exact (no
+// partial block moves to a leading edge); a progressive stream keeps its
+// scans through the general transform.
+class MMJpegLosslessTurner
+{
+public:
+    // keepMarkers copies every APPn and COM segment unchanged. Empty when
+    // the stream is not such a picture, or is damaged (any libjpeg warning:
+    // a transform of damage would save damage), so the caller falls back.
+    static QByteArray transform(const QByteArray &jpeg, const MMOrientation &orientation, bool keepMarkers);
+};
