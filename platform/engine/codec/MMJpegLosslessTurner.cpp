@@ -2,9 +2,11 @@
 #include "MMJpegErrorJump.h"
 #include "MMJpegStripJoiner.h"
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <thread>
 #include <vector>
 // clang-format off
@@ -27,41 +29,61 @@ bool startsWith(const jpeg_saved_marker_ptr m, int marker, const char *tag, unsi
     return m->marker == marker && m->data_length >= length && std::memcmp(m->data, tag, length) == 0;
 }
 
+int markerCount(jpeg_saved_marker_ptr m)
+{
+    int n = 0;
+    for (; m; m = m->next)
+        ++n;
+    return n;
+}
+
 // Where each block of one component of the result comes from: block (x, y)
 // of the result is source block (ox + x * xx + y * yx, oy + x * xy + y * yy).
 struct Component
 {
-    int width = 0;  // result's blocks in a row
-    int vSamp = 1;  // result's vertical sampling factor
+    int width = 0; // result's blocks in a row
+    int vSamp = 1; // result's vertical sampling factor
     int ox = 0, oy = 0, xx = 1, xy = 0, yx = 0, yy = 1;
-    std::vector<JBLOCKROW> source; // the source's block rows
+    std::array<UINT16, DCTSIZE2> quantizers{}; // as the header defined them
+    std::vector<JBLOCKROW> source;             // the source's block rows, once decoded
 };
 
 // Read-only while the strips are encoded.
 struct Job
 {
-    jpeg_decompress_struct *source = nullptr;
     bool keepMarkers = false;
     bool swap = false;
     int width = 0, height = 0; // the result's, in pixels
-    int mcuHeight = 8;
+    int mcuWidth = 8, mcuHeight = 8;
+    int markers = 0; // saved before the first scan
     std::vector<Component> components;
-    // Result coefficient k comes from source coefficient from[k], negated
-    // where a flip reverses the phase of an odd frequency.
-    int from[DCTSIZE2];
-    bool negate[DCTSIZE2];
+    // Result coefficient (v, u) is the source's (u, v) when the axes swap,
+    // else its (v, u), times sign: -1 where a flip reverses the phase of an
+    // odd frequency.
+    JCOEF sign[DCTSIZE2];
 };
 
 // One strip's encoder and its output, a buffer it grows as libjpeg fills it.
+// Only one thread at a time works on a strip, and sets its jump first.
 struct Strip
 {
     jpeg_compress_struct cinfo;
     MMJpegErrorJump error;
     jpeg_destination_mgr destination;
+    bool created = false;
+    int first = 0, count = 0; // MCU rows of the result
+    // libjpeg keeps a pointer to this list until the encode ends.
+    jvirt_barray_ptr arrays[MAX_COMPONENTS] = {};
+    std::vector<std::vector<JBLOCKROW>> rows; // each component's coefficient rows
     unsigned char *data = nullptr;
     size_t capacity = 0;
     size_t used = 0;
-    ~Strip() { std::free(data); }
+    ~Strip()
+    {
+        if (created)
+            jpeg_destroy_compress(&cinfo);
+        std::free(data);
+    }
 };
 
 Strip *stripOf(j_compress_ptr cinfo)
@@ -96,24 +118,18 @@ void termDestination(j_compress_ptr cinfo)
     s->used = s->capacity - cinfo->dest->free_in_buffer;
 }
 
-void turnBlock(const JCOEF *in, JCOEF *out, const Job &job)
-{
-    for (int k = 0; k < DCTSIZE2; ++k)
-        out[k] = job.negate[k] ? JCOEF(-in[job.from[k]]) : in[job.from[k]];
-}
-
-// Everything libjpeg does for one strip of MCU rows [first, first + count);
-// errors jump out of it to encodeStrip.
-void writeStrip(Strip &s, const Job &job, int first, int count)
+// The encoder's parameters, coefficient arrays and copied markers, from the
+// source's header; errors jump out of it to setUp.
+void prepare(Strip &s, const Job &job, jpeg_decompress_struct &src)
 {
     jpeg_compress_struct &c = s.cinfo;
     s.destination.init_destination = initDestination;
     s.destination.empty_output_buffer = growDestination;
     s.destination.term_destination = termDestination;
     c.dest = &s.destination;
-    jpeg_copy_critical_parameters(job.source, &c);
+    jpeg_copy_critical_parameters(&src, &c);
     c.image_width = JDIMENSION(job.width);
-    c.image_height = JDIMENSION(std::min(count * job.mcuHeight, job.height - first * job.mcuHeight));
+    c.image_height = JDIMENSION(std::min(s.count * job.mcuHeight, job.height - s.first * job.mcuHeight));
     if (job.swap) {
         for (int ci = 0; ci < c.num_components; ++ci)
             std::swap(c.comp_info[ci].h_samp_factor, c.comp_info[ci].v_samp_factor);
@@ -126,15 +142,15 @@ void writeStrip(Strip &s, const Job &job, int first, int count)
                     std::swap(table->quantval[v * DCTSIZE + u], table->quantval[u * DCTSIZE + v]);
         }
     }
-    jpeg_saved_marker_ptr markers = job.keepMarkers ? job.source->marker_list : nullptr;
+    jpeg_saved_marker_ptr markers = job.keepMarkers ? src.marker_list : nullptr;
     // An EXIF file stays one: no JFIF segment is added before its EXIF.
     if (markers && startsWith(markers, JPEG_APP0 + 1, "Exif\0\0", 6))
         c.write_JFIF_header = FALSE;
-    jvirt_barray_ptr arrays[MAX_COMPONENTS];
+    jvirt_barray_ptr *arrays = s.arrays;
     for (int ci = 0; ci < c.num_components; ++ci) {
         const Component &k = job.components[size_t(ci)];
         arrays[ci] = (*c.mem->request_virt_barray)(reinterpret_cast<j_common_ptr>(&c), JPOOL_IMAGE, FALSE,
-                                                   JDIMENSION(k.width), JDIMENSION(count * k.vSamp),
+                                                   JDIMENSION(k.width), JDIMENSION(s.count * k.vSamp),
                                                    JDIMENSION(k.vSamp));
     }
     jpeg_write_coefficients(&c, arrays);
@@ -145,45 +161,74 @@ void writeStrip(Strip &s, const Job &job, int first, int count)
             continue;
         jpeg_write_marker(&c, m->marker, m->data, m->data_length);
     }
+    // The arrays live in memory: their rows stay where they are.
     for (int ci = 0; ci < c.num_components; ++ci) {
-        const Component &k = job.components[size_t(ci)];
-        const int firstRow = first * k.vSamp, rows = count * k.vSamp;
-        for (int r = 0; r < rows; r += k.vSamp) {
-            JBLOCKARRAY out = (*c.mem->access_virt_barray)(reinterpret_cast<j_common_ptr>(&c), arrays[ci],
-                                                           JDIMENSION(r), JDIMENSION(k.vSamp), TRUE);
-            for (int i = 0; i < k.vSamp; ++i) {
-                const int y = firstRow + r + i;
-                for (int x = 0; x < k.width; ++x) {
-                    const int sx = k.ox + x * k.xx + y * k.yx, sy = k.oy + x * k.xy + y * k.yy;
-                    turnBlock(k.source[size_t(sy)][sx], out[i][x], job);
-                }
-            }
+        const int vSamp = job.components[size_t(ci)].vSamp;
+        for (int r = 0; r < s.count * vSamp; r += vSamp) {
+            JBLOCKARRAY rows = (*c.mem->access_virt_barray)(reinterpret_cast<j_common_ptr>(&c), arrays[ci],
+                                                            JDIMENSION(r), JDIMENSION(vSamp), TRUE);
+            s.rows[size_t(ci)].insert(s.rows[size_t(ci)].end(), rows, rows + vSamp);
         }
     }
-    jpeg_finish_compress(&c);
 }
 
-bool encodeStrip(Strip &s, const Job &job, int first, int count, size_t estimate)
+bool setUp(Strip &s, const Job &job, jpeg_decompress_struct &src, size_t estimate)
 {
     s.capacity = std::max<size_t>(estimate, 65536);
     s.data = static_cast<unsigned char *>(std::malloc(s.capacity));
     if (!s.data)
         return false;
+    s.rows.resize(job.components.size());
     s.error.install(reinterpret_cast<j_common_ptr>(&s.cinfo), failOnWarning);
     jpeg_create_compress(&s.cinfo);
+    s.created = true;
     s.cinfo.client_data = &s;
-    if (setjmp(s.error.jump)) {
-        jpeg_destroy_compress(&s.cinfo);
+    if (setjmp(s.error.jump))
         return false;
-    }
-    writeStrip(s, job, first, count);
-    jpeg_destroy_compress(&s.cinfo);
+    prepare(s, job, src);
     return true;
 }
 
-// Fills job from the decoded source; false when the picture is not one
-// this path takes.
-bool plan(Job &job, jpeg_decompress_struct &src, jvirt_barray_ptr *arrays, const MMOrientation &orientation)
+// The arrays are written for the first time long before they are filled,
+// on the core the decode leaves free, so that filling them finds them
+// already in memory.
+void touch(const std::vector<std::unique_ptr<Strip>> &strips, const Job &job)
+{
+    for (const auto &s : strips)
+        for (size_t ci = 0; ci < job.components.size(); ++ci)
+            for (int r = 0; r < s->count * job.components[ci].vSamp; ++r)
+                std::memset(s->rows[ci][r], 0, size_t(job.components[ci].width) * sizeof(JBLOCK));
+}
+
+void turnBlock(const JCOEF *in, JCOEF *out, const Job &job)
+{
+    for (int v = 0; v < DCTSIZE; ++v)
+        for (int u = 0; u < DCTSIZE; ++u)
+            out[v * DCTSIZE + u] =
+                JCOEF(in[job.swap ? u * DCTSIZE + v : v * DCTSIZE + u] * job.sign[v * DCTSIZE + u]);
+}
+
+bool encode(Strip &s, const Job &job)
+{
+    if (setjmp(s.error.jump))
+        return false;
+    for (size_t ci = 0; ci < job.components.size(); ++ci) {
+        const Component &k = job.components[ci];
+        const int first = s.first * k.vSamp;
+        for (int r = 0; r < s.count * k.vSamp; ++r) {
+            const int y = first + r;
+            for (int x = 0; x < k.width; ++x) {
+                const int sx = k.ox + x * k.xx + y * k.yx, sy = k.oy + x * k.xy + y * k.yy;
+                turnBlock(k.source[size_t(sy)][sx], s.rows[ci][r][x], job);
+            }
+        }
+    }
+    jpeg_finish_compress(&s.cinfo);
+    return true;
+}
+
+// What the header says: false when the picture is not one this path takes.
+bool plan(Job &job, const jpeg_decompress_struct &src, const MMOrientation &orientation)
 {
     const int n = src.num_components;
     const int mcuW = src.max_h_samp_factor * DCTSIZE, mcuH = src.max_v_samp_factor * DCTSIZE;
@@ -191,12 +236,14 @@ bool plan(Job &job, jpeg_decompress_struct &src, jvirt_barray_ptr *arrays, const
         || (n == 1 && (src.comp_info[0].h_samp_factor != 1 || src.comp_info[0].v_samp_factor != 1))
         || src.image_width % JDIMENSION(mcuW) != 0 || src.image_height % JDIMENSION(mcuH) != 0)
         return false;
-    job.source = &src;
     job.swap = orientation.swapsAxes();
     const QSize size = orientation.map(QSize(int(src.image_width), int(src.image_height)));
     job.width = size.width();
     job.height = size.height();
     job.mcuHeight = job.swap ? mcuW : mcuH;
+    // The interleaved MCU of the result; a lone component's is one block.
+    job.mcuWidth = n == 1 ? DCTSIZE : (job.swap ? mcuH : mcuW);
+    job.markers = markerCount(src.marker_list);
 
     // Unit steps do not depend on the size; a 2x2 grid has both.
     const MMOrientation back = orientation.inverted();
@@ -205,9 +252,13 @@ bool plan(Job &job, jpeg_decompress_struct &src, jvirt_barray_ptr *arrays, const
     const QPoint dy = back.mapRect(QRect(0, 1, 1, 1), QSize(2, 2)).topLeft() - a;
     for (int ci = 0; ci < n; ++ci) {
         const jpeg_component_info &info = src.comp_info[ci];
-        const QSize blocks(int(info.width_in_blocks), int(info.height_in_blocks));
+        const JQUANT_TBL *table = info.quant_tbl_no >= 0 && info.quant_tbl_no < NUM_QUANT_TBLS
+            ? src.quant_tbl_ptrs[info.quant_tbl_no] : nullptr;
+        if (!table)
+            return false;
         Component k;
-        const QSize turned = orientation.map(blocks);
+        std::copy(table->quantval, table->quantval + DCTSIZE2, k.quantizers.begin());
+        const QSize turned = orientation.map(QSize(int(info.width_in_blocks), int(info.height_in_blocks)));
         k.width = turned.width();
         k.vSamp = job.swap ? info.h_samp_factor : info.v_samp_factor;
         const QPoint o = back.mapRect(QRect(0, 0, 1, 1), turned).topLeft();
@@ -217,33 +268,45 @@ bool plan(Job &job, jpeg_decompress_struct &src, jvirt_barray_ptr *arrays, const
         k.xy = dx.y();
         k.yx = dy.x();
         k.yy = dy.y();
-        k.source.resize(size_t(blocks.height()));
-        for (int r = 0; r < blocks.height(); r += info.v_samp_factor) {
-            JBLOCKARRAY rows = (*src.mem->access_virt_barray)(reinterpret_cast<j_common_ptr>(&src), arrays[ci],
-                                                              JDIMENSION(r), JDIMENSION(info.v_samp_factor), FALSE);
-            for (int i = 0; i < info.v_samp_factor; ++i)
-                k.source[size_t(r + i)] = rows[i];
-        }
         job.components.push_back(std::move(k));
     }
     // A result column runs along a source column or row, forwards or back;
     // running back mirrors the block, which flips the sign of its odd
     // frequencies in that direction.
     const bool flipU = dx.x() + dx.y() < 0, flipV = dy.x() + dy.y() < 0;
-    for (int v = 0; v < DCTSIZE; ++v) {
-        for (int u = 0; u < DCTSIZE; ++u) {
-            const int k = v * DCTSIZE + u;
-            job.from[k] = job.swap ? u * DCTSIZE + v : k;
-            job.negate[k] = (flipU && (u & 1)) != (flipV && (v & 1));
+    for (int v = 0; v < DCTSIZE; ++v)
+        for (int u = 0; u < DCTSIZE; ++u)
+            job.sign[v * DCTSIZE + u] = (flipU && (u & 1)) != (flipV && (v & 1)) ? -1 : 1;
+    return true;
+}
+
+// After the decode: where the source's blocks are, and whether the stream
+// kept to what its header said (a later table or marker would make the
+// prepared encoders wrong).
+bool attach(Job &job, jpeg_decompress_struct &src, jvirt_barray_ptr *arrays)
+{
+    if (markerCount(src.marker_list) != job.markers)
+        return false;
+    for (int ci = 0; ci < src.num_components; ++ci) {
+        const jpeg_component_info &info = src.comp_info[ci];
+        Component &k = job.components[size_t(ci)];
+        if (!info.quant_table || !std::equal(k.quantizers.begin(), k.quantizers.end(), info.quant_table->quantval))
+            return false;
+        k.source.resize(info.height_in_blocks);
+        for (JDIMENSION r = 0; r < info.height_in_blocks; r += JDIMENSION(info.v_samp_factor)) {
+            JBLOCKARRAY rows = (*src.mem->access_virt_barray)(reinterpret_cast<j_common_ptr>(&src), arrays[ci], r,
+                                                              JDIMENSION(info.v_samp_factor), FALSE);
+            for (int i = 0; i < info.v_samp_factor; ++i)
+                k.source[r + JDIMENSION(i)] = rows[i];
         }
     }
     return true;
 }
 
 // Strips of whole MCU rows, each within the restart interval's reach.
-int stripCount(const Job &job, int mcuWidth, long long *interval)
+int stripCount(const Job &job, long long *interval)
 {
-    const long long perRow = (job.width + mcuWidth - 1) / mcuWidth;
+    const long long perRow = (job.width + job.mcuWidth - 1) / job.mcuWidth;
     const long long rows = (job.height + job.mcuHeight - 1) / job.mcuHeight;
     if ((long long)job.width * job.height < kSplitPixels || rows < 2 || std::thread::hardware_concurrency() < 2)
         return 1;
@@ -255,16 +318,29 @@ int stripCount(const Job &job, int mcuWidth, long long *interval)
     return 1;
 }
 
-struct Source
+// Everything one turn holds. It lives in transform()'s frame, which a
+// longjmp from the source's decoder returns to, never jumps over.
+struct Work
 {
     jpeg_decompress_struct cinfo;
     MMJpegErrorJump error;
+    Job job;
+    std::vector<std::unique_ptr<Strip>> strips;
+    std::thread toucher;
+    long long interval = 0;
     QByteArray result;
+    ~Work()
+    {
+        if (toucher.joinable())
+            toucher.join();
+        strips.clear();
+        jpeg_destroy_decompress(&cinfo);
+    }
 };
 
-// Reads the header and every coefficient; errors in the source jump out of
-// it to MMJpegLosslessTurner::transform, so nothing here has a destructor.
-jvirt_barray_ptr *readCoefficients(jpeg_decompress_struct &src, const QByteArray &jpeg, bool keepMarkers)
+// The header, and the markers when they are kept; errors in the source jump
+// out of it to MMJpegLosslessTurner::transform.
+bool readHeader(jpeg_decompress_struct &src, const QByteArray &jpeg, bool keepMarkers)
 {
     jpeg_mem_src(&src, reinterpret_cast<const unsigned char *>(jpeg.constData()), (unsigned long)jpeg.size());
     if (keepMarkers) {
@@ -272,38 +348,40 @@ jvirt_barray_ptr *readCoefficients(jpeg_decompress_struct &src, const QByteArray
         for (int m = 0; m < 16; ++m)
             jpeg_save_markers(&src, JPEG_APP0 + m, 0xFFFF);
     }
-    if (jpeg_read_header(&src, TRUE) != JPEG_HEADER_OK)
-        return nullptr;
-    return jpeg_read_coefficients(&src);
+    return jpeg_read_header(&src, TRUE) == JPEG_HEADER_OK;
 }
 
-// Encodes the strips from the decoded source and joins them. The source's
-// arrays are all in memory, so reading them cannot fail.
-QByteArray encode(jpeg_decompress_struct &src, jvirt_barray_ptr *arrays, qsizetype sourceBytes,
-                  const MMOrientation &orientation, bool keepMarkers)
+// Sets up the strips' encoders from the header and starts touching their
+// arrays on another thread.
+bool prepareStrips(Work &w, qsizetype sourceBytes)
 {
-    Job job;
-    job.keepMarkers = keepMarkers;
-    if (!plan(job, src, arrays, orientation))
-        return QByteArray();
-
-    // The interleaved MCU of the result; a lone component's is one block.
-    const int mcuWidth = src.num_components == 1 ? DCTSIZE
-                                                 : DCTSIZE * (job.swap ? src.max_v_samp_factor : src.max_h_samp_factor);
-    long long interval = 0;
-    const int count = stripCount(job, mcuWidth, &interval);
-    const int mcuRows = (job.height + job.mcuHeight - 1) / job.mcuHeight;
+    const int count = stripCount(w.job, &w.interval);
+    const int mcuRows = (w.job.height + w.job.mcuHeight - 1) / w.job.mcuHeight;
     const int stripRows = (mcuRows + count - 1) / count;
     // Each strip's share of the source, and room for the copied markers.
     const size_t estimate = size_t(sourceBytes) / size_t(count) + size_t(sourceBytes) / 8;
-    std::vector<Strip> strips(static_cast<size_t>(count));
+    for (int i = 0; i < count && i * stripRows < mcuRows; ++i) {
+        w.strips.push_back(std::make_unique<Strip>());
+        Strip &s = *w.strips.back();
+        s.first = i * stripRows;
+        s.count = std::min(stripRows, mcuRows - s.first);
+        if (!setUp(s, w.job, w.cinfo, estimate))
+            return false;
+    }
+    if (w.strips.size() > 1)
+        w.toucher = std::thread(touch, std::cref(w.strips), std::cref(w.job));
+    return true;
+}
+
+// Fills and encodes the strips on two threads, then joins them.
+QByteArray encodeStrips(Work &w)
+{
+    const int count = int(w.strips.size());
     std::vector<char> ok(static_cast<size_t>(count), 0);
     std::atomic<int> next{ 0 };
     auto work = [&] {
-        for (int i = next++; i < count; i = next++) {
-            const int rows = std::min(stripRows, mcuRows - i * stripRows);
-            ok[size_t(i)] = rows > 0 && encodeStrip(strips[size_t(i)], job, i * stripRows, rows, estimate);
-        }
+        for (int i = next++; i < count; i = next++)
+            ok[size_t(i)] = encode(*w.strips[size_t(i)], w.job);
     };
     if (count > 1) {
         std::thread helper(work);
@@ -316,12 +394,13 @@ QByteArray encode(jpeg_decompress_struct &src, jvirt_barray_ptr *arrays, qsizety
     for (int i = 0; i < count; ++i) {
         if (!ok[size_t(i)])
             return QByteArray();
-        const Strip &strip = strips[size_t(i)];
-        parts.emplace_back(reinterpret_cast<const char *>(strip.data), qsizetype(strip.used));
+        const Strip &s = *w.strips[size_t(i)];
+        parts.emplace_back(reinterpret_cast<const char *>(s.data), qsizetype(s.used));
     }
+    w.strips.clear();
     if (count == 1)
         return parts[0];
-    return MMJpegStripJoiner::join(parts, job.height, interval);
+    return MMJpegStripJoiner::join(parts, w.job.height, w.interval);
 }
 }
 
@@ -330,21 +409,22 @@ QByteArray MMJpegLosslessTurner::transform(const QByteArray &jpeg, const MMOrien
 {
     if (jpeg.isEmpty())
         return QByteArray();
-    Source s;
-    s.error.install(reinterpret_cast<j_common_ptr>(&s.cinfo), failOnWarning);
-    jpeg_create_decompress(&s.cinfo);
-    if (setjmp(s.error.jump)) {
-        jpeg_destroy_decompress(&s.cinfo);
+    Work w;
+    w.job.keepMarkers = keepMarkers;
+    w.error.install(reinterpret_cast<j_common_ptr>(&w.cinfo), failOnWarning);
+    jpeg_create_decompress(&w.cinfo);
+    if (setjmp(w.error.jump))
         return QByteArray();
-    }
-    jvirt_barray_ptr *arrays = readCoefficients(s.cinfo, jpeg, keepMarkers);
-    if (!arrays) {
-        jpeg_destroy_decompress(&s.cinfo);
+    if (!readHeader(w.cinfo, jpeg, keepMarkers) || !plan(w.job, w.cinfo, orientation)
+        || !prepareStrips(w, jpeg.size()))
         return QByteArray();
-    }
-    s.result = encode(s.cinfo, arrays, jpeg.size(), orientation, keepMarkers);
+    jvirt_barray_ptr *arrays = jpeg_read_coefficients(&w.cinfo);
+    if (w.toucher.joinable())
+        w.toucher.join();
+    if (!arrays || !attach(w.job, w.cinfo, arrays))
+        return QByteArray();
+    w.result = encodeStrips(w);
     // The whole stream was read; this only checks its end.
-    jpeg_finish_decompress(&s.cinfo);
-    jpeg_destroy_decompress(&s.cinfo);
-    return s.result;
+    jpeg_finish_decompress(&w.cinfo);
+    return w.result;
 }
