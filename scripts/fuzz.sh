@@ -4,12 +4,12 @@
 # plus what earlier runs found (build-fuzz/corpus/). Crashing inputs land in
 # build-fuzz/crashes/, logs in build-fuzz/logs/. Exits non-zero when a
 # target crashed.
-#   bash scripts/fuzz.sh SECONDS [open_picture|replay_commands|metadata ...]
+#   bash scripts/fuzz.sh SECONDS [open_picture|replay_commands|metadata|lossless_turn ...]
 set -euo pipefail
 seconds=${1:?usage: fuzz.sh SECONDS [TARGET...]}
 shift
 targets=("$@")
-[ ${#targets[@]} -gt 0 ] || targets=(open_picture replay_commands metadata)
+[ ${#targets[@]} -gt 0 ] || targets=(open_picture replay_commands metadata lossless_turn)
 root=$(cd "$(dirname "$0")/.." && pwd)
 build="$root/build-fuzz"
 

@@ -2,11 +2,12 @@
 # Makes the fuzzers' seed pictures, small and of every kind the editor
 # meets, with the tools the tests use (ImageMagick, libjpeg-turbo's
 # programs, exiftool): nothing is downloaded. Usage: make-fuzz-seeds.sh DIR
-# writes DIR/open_picture, DIR/replay_commands and DIR/metadata.
+# writes DIR/open_picture, DIR/replay_commands, DIR/metadata and
+# DIR/lossless_turn.
 set -euo pipefail
 out=${1:?usage: make-fuzz-seeds.sh DIR}
-pic="$out/open_picture"; cmd="$out/replay_commands"; meta="$out/metadata"
-mkdir -p "$pic" "$cmd" "$meta"
+pic="$out/open_picture"; cmd="$out/replay_commands"; meta="$out/metadata"; turn="$out/lossless_turn"
+mkdir -p "$pic" "$cmd" "$meta" "$turn"
 tmp=$(mktemp -d); trap 'rm -rf "$tmp"' EXIT
 
 # A smooth picture with edges, odd-sized so JPEG blocks are partial.
@@ -56,6 +57,20 @@ cp "$pic/grey.jpg" "$pic/cmyk.jpg" "$pic/rotated6.jpg" "$meta/"
 # The metadata ones are pictures to open too.
 cp "$meta"/*.jpg "$pic/"
 
+# Lossless turns take pictures of whole MCUs only; a flat 1280x1024 one is
+# large enough to be coded in two strips, and small enough to fuzz.
+convert -size 32x16 gradient:'#2050c0-#e0a040' "$tmp/whole.png"
+convert "$tmp/whole.png" -quality 85 -sampling-factor 2x2 "$turn/whole420.jpg"
+convert "$tmp/whole.png" -quality 85 -sampling-factor 2x1 "$turn/whole422.jpg"
+convert "$tmp/whole.png" -quality 90 -sampling-factor 1x1 "$turn/whole444.jpg"
+convert "$tmp/whole.png" -colorspace Gray -quality 80 "$turn/whole-grey.jpg"
+convert "$tmp/whole.png" -colorspace CMYK -quality 80 "$turn/whole-cmyk.jpg"
+convert "$tmp/whole.png" -quality 80 -define jpeg:restart-interval=1 "$turn/whole-restart.jpg"
+djpeg "$turn/whole420.jpg" | cjpeg -arithmetic -quality 80 >"$turn/whole-arithmetic.jpg"
+cp "$turn/whole420.jpg" "$turn/whole-exif.jpg"
+exiftool -q -overwrite_original -Make=VoSeed -Orientation#=6 "-ThumbnailImage<=$tmp/thumb.jpg" "$turn/whole-exif.jpg"
+convert -size 1280x1024 xc:'#406080' -quality 10 -sampling-factor 2x2 "$turn/strips.jpg"
+
 # Command lists, one command a few bytes: source and output picks, then
 # (type, parameters) repeated; see fuzz_replay_commands.cpp.
 put() { printf "$2" >"$cmd/$1"; }
@@ -65,4 +80,4 @@ put resize       '\x00\x00\x03\x01\x00\x20\x01\x00\x10'
 put effects      '\x02\x02\x04\x00\x03\x04\x00\x06\x04\x80\x00\x09'
 put overlay      '\x03\x01\x05\x01\x00\x02\x00\x03\x00\x08\x00\x06'
 put chain        '\x00\x00\x00\x00\x01\x01\x00\x02\x00\x01\x00\x01\x00\x10\x00\x10\x03\x00\x07\x00\x05\x04\x00\x01'
-echo "seeds in $out: $(ls "$pic" | wc -l) pictures, $(ls "$meta" | wc -l) with metadata, $(ls "$cmd" | wc -l) command lists"
+echo "seeds in $out: $(ls "$pic" | wc -l) pictures, $(ls "$meta" | wc -l) with metadata, $(ls "$cmd" | wc -l) command lists, $(ls "$turn" | wc -l) to turn"

@@ -6,8 +6,9 @@
 // both cores: the stream is entropy-decoded once, then the result is
 // entropy-coded in strips of whole MCU rows on two threads, each strip
 // turning its own blocks, and the strips are joined by restart markers.
-// A result of one strip (a small picture) is byte for byte the usual
-// lossless transform.
+// A result of one strip (a small picture) is byte for byte what
+// `jpegtran -perfect -copy all` writes, but for the EXIF picture size, which
+// the metadata step sets.
 //
 // Only pictures of whole MCUs, where every turn and flip is exact (no
 // partial block moves to a leading edge); a progressive stream keeps its
