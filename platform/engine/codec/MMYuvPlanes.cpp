@@ -1,10 +1,7 @@
 #include "MMYuvPlanes.h"
-#include <sys/mman.h>
 #include <turbojpeg.h>
 
 namespace {
-const size_t kLargePage = size_t(2) << 20;
-
 unsigned char clampByte(double v)
 {
     return (unsigned char)(v < 0 ? 0 : v > 255 ? 255 : int(v + 0.5));
@@ -23,15 +20,11 @@ MMYuvPlanes::MMYuvPlanes(const QSize &size, MMJpegHeader::Subsampling subsamplin
         m_offset[i] = total;
         total += size_t(m_planeSize[i].width()) * size_t(m_planeSize[i].height());
     }
-    // Turned planes are written across all their rows at once; on large
-    // pages that costs far fewer TLB misses and page faults.
-    const size_t rounded = (total + kLargePage - 1) / kLargePage * kLargePage;
-    m_data.reset(static_cast<unsigned char *>(std::aligned_alloc(kLargePage, rounded)));
+    // Large pages were tried for the turned writes: no faster here, and a
+    // fault on one may wait for the kernel to compact memory.
+    m_data.reset(static_cast<unsigned char *>(std::malloc(total)));
     if (!m_data)
         return;
-#ifdef MADV_HUGEPAGE
-    madvise(m_data.get(), rounded, MADV_HUGEPAGE);
-#endif
     m_size = size;
 }
 
