@@ -9,8 +9,8 @@
 
 namespace {
 // Luma rows a band holds: two to four iMCU rows. A turned band writes a run
-// of this many samples to each turned row; shorter runs cost more cache
-// misses than the decode saves in cache.
+// of this many samples to each turned row, and the longer the runs the fewer
+// the cache misses; 64 was no quicker than 32.
 const int kBandRows = 32;
 // Below this many pixels a second decoder is not worth its start.
 const qint64 kSplitPixels = 1 << 20;
@@ -35,8 +35,8 @@ struct Layout
     std::vector<MMTurnedPlane> where;
 };
 
-// What one part owns; nothing in it outlives a longjmp out of libjpeg but
-// the vectors, which are freed with it.
+// What one part owns. It lives outside the frames a longjmp out of libjpeg
+// skips, so its buffers are freed however the part ends.
 struct Part
 {
     jpeg_decompress_struct cinfo;
