@@ -2,10 +2,38 @@
 #include "MMAtomicFile.h"
 #include "MMFileFormat.h"
 #include "MMJpegCodec.h"
+#include "MMJpegStripEncoder.h"
 #include "MMMetadata.h"
+#include "MMYuvPlanes.h"
 #include <QBuffer>
 #include <QImageWriter>
 #include <thread>
+
+namespace {
+// The picture encoded by encode, with the metadata of options.metadataSource
+// in front. The metadata needs the picture's size and a thumbnail of it,
+// not its coding: it is made ready on a second thread while the picture is
+// encoded.
+template <class Encode>
+QByteArray withMetadata(const QSize &size, const MMMetadata::PictureSource &picture, const MMEncodeOptions &options,
+                        Encode encode)
+{
+    if (options.metadataSource.isEmpty())
+        return encode();
+    MMMetadata::Segments segments;
+    std::thread metadata(
+        [&] { segments = MMMetadata::segmentsFor(options.metadataSource, size, picture, options.keepIccProfile); });
+    const QByteArray jpeg = encode();
+    metadata.join();
+    if (jpeg.isEmpty())
+        return jpeg;
+    QByteArray result = MMMetadata::withSegments(segments, jpeg);
+    if (result.isEmpty())
+        result = MMMetadata::transplant(options.metadataSource, jpeg, size, picture, options.keepIccProfile);
+    // Metadata we cannot carry over must not cost the user the picture.
+    return result.isEmpty() ? jpeg : result;
+}
+}
 
 int MMImageWriter::write(const QImage &image, const QString &path, int jpegQuality)
 {
@@ -32,27 +60,9 @@ QByteArray MMImageWriter::encode(const QImage &image, const QString &path, const
         return QByteArray();
 
     if (format == "jpeg") {
-        if (options.metadataSource.isEmpty())
+        return withMetadata(image.size(), [&image] { return image; }, options, [&] {
             return MMJpegCodec::encode(image, options.jpegQuality, options.jpegSubsampling, options.jpegProgressive);
-        // The metadata needs the picture's size and a thumbnail of it, not
-        // its coding: it is made ready on a second thread while the
-        // picture is encoded, then put in front of it.
-        const auto picture = [&image] { return image; };
-        MMMetadata::Segments segments;
-        std::thread metadata([&] {
-            segments = MMMetadata::segmentsFor(options.metadataSource, image.size(), picture, options.keepIccProfile);
         });
-        const QByteArray jpeg = MMJpegCodec::encode(image, options.jpegQuality, options.jpegSubsampling,
-                                                    options.jpegProgressive);
-        metadata.join();
-        if (jpeg.isEmpty())
-            return jpeg;
-        QByteArray withMetadata = MMMetadata::withSegments(segments, jpeg);
-        if (withMetadata.isEmpty())
-            withMetadata = MMMetadata::transplant(options.metadataSource, jpeg, image.size(), picture,
-                                                  options.keepIccProfile);
-        // Metadata we cannot carry over must not cost the user the picture.
-        return withMetadata.isEmpty() ? jpeg : withMetadata;
     }
 
     QByteArray data;
@@ -62,4 +72,18 @@ QByteArray MMImageWriter::encode(const QImage &image, const QString &path, const
     if (!writer.write(image))
         return QByteArray();
     return data;
+}
+
+int MMImageWriter::write(const MMYuvPlanes &planes, const QString &path, const MMEncodeOptions &options)
+{
+    if (planes.isNull())
+        return -1;
+    // Twice the thumbnail's bound: the metadata averages it down from there.
+    const auto picture = [&planes] { return planes.preview(QSize(320, 320)); };
+    const QByteArray data = withMetadata(planes.size(), picture, options, [&] {
+        return MMJpegStripEncoder::encode(planes, qBound(1, options.jpegQuality, 100));
+    });
+    if (data.isEmpty())
+        return -1;
+    return MMAtomicFile::write(path, data);
 }

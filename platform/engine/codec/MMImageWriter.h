@@ -3,6 +3,8 @@
 #include <QImage>
 #include <QString>
 
+class MMYuvPlanes;
+
 // Writes an image file atomically: into a temporary file beside the target,
 // then renamed over it. The format follows the target's extension.
 class MMImageWriter
@@ -15,4 +17,8 @@ public:
     static int write(const QImage &image, const QString &path, const MMEncodeOptions &options);
     // The bytes write() would store; empty on failure.
     static QByteArray encode(const QImage &image, const QString &path, const MMEncodeOptions &options);
+    // Sample planes as a baseline JPEG at their own subsampling (the
+    // options' subsampling and progressive are not asked), with the
+    // metadata of options.metadataSource. 0 on success, -1 on failure.
+    static int write(const MMYuvPlanes &planes, const QString &path, const MMEncodeOptions &options);
 };

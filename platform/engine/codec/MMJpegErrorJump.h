@@ -3,6 +3,7 @@
 #include <cstdio>
 // clang-format off
 #include <jpeglib.h>
+#include <jerror.h>
 // clang-format on
 
 // A libjpeg error manager that jumps back to the caller's setjmp instead of
@@ -24,5 +25,30 @@ struct MMJpegErrorJump
     [[noreturn]] static void onError(j_common_ptr cinfo)
     {
         std::longjmp(reinterpret_cast<MMJpegErrorJump *>(cinfo->err)->jump, 1);
+    }
+
+    // libjpeg only warns about damaged data and goes on with grey or garbled
+    // blocks, so every warning fails, but for stray bytes between segments:
+    // common in camera files, and harmless.
+    static void onDamage(j_common_ptr cinfo, int level)
+    {
+        if (level < 0 && cinfo->err->msg_code != JWRN_EXTRANEOUS_DATA)
+            onError(cinfo);
+    }
+
+    // Runs body on cinfo, a fresh decompressor failing on damage (onDamage);
+    // false when body does or libjpeg gives up. body must not own anything a
+    // longjmp out of it would leak.
+    template <class Body> bool decompress(jpeg_decompress_struct &cinfo, Body body)
+    {
+        install(reinterpret_cast<j_common_ptr>(&cinfo), onDamage);
+        jpeg_create_decompress(&cinfo);
+        if (setjmp(jump)) {
+            jpeg_destroy_decompress(&cinfo);
+            return false;
+        }
+        const bool ok = body();
+        jpeg_destroy_decompress(&cinfo);
+        return ok;
     }
 };

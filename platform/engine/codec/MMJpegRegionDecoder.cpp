@@ -10,10 +10,6 @@
 #include <memory>
 #include <thread>
 #include <vector>
-// clang-format off
-#include <jpeglib.h>
-#include <jerror.h>
-// clang-format on
 
 namespace {
 const int kBandRows = 16;
@@ -24,13 +20,6 @@ const qint64 kSplitPixels = 1 << 20;
 // row decoded but nothing per row skipped.
 const double kFirstPartShare = 0.62;
 const double kFirstPartShareTurned = 0.57;
-
-void onMessage(j_common_ptr cinfo, int level)
-{
-    // Stray bytes between segments are common in camera files and harm nothing.
-    if (level < 0 && cinfo->err->msg_code != JWRN_EXTRANEOUS_DATA)
-        MMJpegErrorJump::onError(cinfo);
-}
 
 // Everything that must outlive a longjmp out of libjpeg; no object with a
 // destructor lives in a frame that libjpeg can jump over.
@@ -317,15 +306,7 @@ bool runPart(Decoder &d, const Job &job, const Share &share)
 // gives up. body must not own anything a longjmp out of it would leak.
 template <class Body> bool withDecoder(Decoder &d, Body body)
 {
-    d.error.install(reinterpret_cast<j_common_ptr>(&d.cinfo), onMessage);
-    jpeg_create_decompress(&d.cinfo);
-    if (setjmp(d.error.jump)) {
-        jpeg_destroy_decompress(&d.cinfo);
-        return false;
-    }
-    const bool ok = body();
-    jpeg_destroy_decompress(&d.cinfo);
-    return ok;
+    return d.error.decompress(d.cinfo, body);
 }
 
 // Runs part of job on a decompressor of its own, out of reach of a longjmp

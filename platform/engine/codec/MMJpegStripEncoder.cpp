@@ -1,5 +1,6 @@
 #include "MMJpegStripEncoder.h"
 #include "MMJpegStripJoiner.h"
+#include "MMYuvPlanes.h"
 #include <algorithm>
 #include <atomic>
 #include <thread>
@@ -9,19 +10,26 @@
 namespace {
 // Below this many pixels a second encoder is not worth its start.
 const long long kSplitPixels = 1 << 20;
+const int kThreads = 2;
 
-}
+// Encodes rows [top, top + rows) of the picture as a JPEG of their own.
+using StripCoder = int (*)(const void *source, tjhandle tj, int top, int rows, unsigned char **buffer,
+                           unsigned long *size);
 
-QByteArray MMJpegStripEncoder::encode(const unsigned char *pixels, int width, int pitch, int height, int pixelFormat,
-                                      int subsampling, int quality)
+// Strips of whole MCU rows of a width x height picture, coded by code on
+// kThreads threads and joined; empty when the picture is too small or
+// cannot be split.
+QByteArray encodeStrips(int width, int height, int subsampling, const void *source, StripCoder code)
 {
-    if (!pixels || width <= 0 || height <= 0 || subsampling < 0 || subsampling >= TJ_NUMSAMP
+    if (width <= 0 || height <= 0 || subsampling < 0 || subsampling >= TJ_NUMSAMP
         || (long long)width * height < kSplitPixels || std::thread::hardware_concurrency() < 2)
         return QByteArray();
     const int mcuW = tjMCUWidth[subsampling], mcuH = tjMCUHeight[subsampling];
     const long long mcusPerRow = (width + mcuW - 1) / mcuW;
     const long long mcuRows = (height + mcuH - 1) / mcuH;
-    const long long strips = std::max(2LL, (mcusPerRow * mcuRows + MMJpegStripJoiner::MaxInterval - 1) / MMJpegStripJoiner::MaxInterval);
+    // A whole number of strips per thread, so that both finish together.
+    long long strips = (mcusPerRow * mcuRows + MMJpegStripJoiner::MaxInterval - 1) / MMJpegStripJoiner::MaxInterval;
+    strips = (std::max(strips, 1LL) + kThreads - 1) / kThreads * kThreads;
     const long long stripRows = (mcuRows + strips - 1) / strips;
     const long long interval = stripRows * mcusPerRow;
     if (mcuRows < 2 || interval > MMJpegStripJoiner::MaxInterval)
@@ -42,8 +50,7 @@ QByteArray MMJpegStripEncoder::encode(const unsigned char *pixels, int width, in
             const int top = i * stripHeight, rows = std::min(stripHeight, height - top);
             unsigned char *buffer = nullptr;
             unsigned long size = 0;
-            if (tjCompress2(tj, pixels + (long long)top * pitch, width, pitch, rows, pixelFormat, &buffer, &size,
-                            subsampling, quality, 0) != 0)
+            if (code(source, tj, top, rows, &buffer, &size) != 0)
                 failed = true;
             else
                 parts[size_t(i)] = QByteArray(reinterpret_cast<const char *>(buffer), int(size));
@@ -58,4 +65,71 @@ QByteArray MMJpegStripEncoder::encode(const unsigned char *pixels, int width, in
         return QByteArray();
 
     return MMJpegStripJoiner::join(parts, height, interval);
+}
+
+struct Pixels
+{
+    const unsigned char *pixels;
+    int width, pitch, pixelFormat, subsampling, quality;
+};
+
+int codePixels(const void *source, tjhandle tj, int top, int rows, unsigned char **buffer, unsigned long *size)
+{
+    const auto &p = *static_cast<const Pixels *>(source);
+    return tjCompress2(tj, p.pixels + (long long)top * p.pitch, p.width, p.pitch, rows, p.pixelFormat, buffer, size,
+                       p.subsampling, p.quality, 0);
+}
+
+struct Planes
+{
+    const MMYuvPlanes *planes;
+    int quality;
+};
+
+int codePlanes(const void *source, tjhandle tj, int top, int rows, unsigned char **buffer, unsigned long *size)
+{
+    const auto &p = *static_cast<const Planes *>(source);
+    const MMYuvPlanes &yuv = *p.planes;
+    // top is on an MCU row, so on a whole chroma row too.
+    const unsigned char *planes[3] = {};
+    int strides[3] = {};
+    for (int i = 0; i < yuv.count(); ++i) {
+        const int stride = yuv.planeSize(i).width();
+        const int row = i == 0 ? top : top / yuv.chromaHeight();
+        planes[i] = yuv.plane(i) + (long long)row * stride;
+        strides[i] = stride;
+    }
+    return tjCompressFromYUVPlanes(tj, planes, yuv.size().width(), strides, rows, int(yuv.subsampling()), buffer, size,
+                                   p.quality, 0);
+}
+}
+
+QByteArray MMJpegStripEncoder::encode(const unsigned char *pixels, int width, int pitch, int height, int pixelFormat,
+                                      int subsampling, int quality)
+{
+    if (!pixels)
+        return QByteArray();
+    const Pixels source{ pixels, width, pitch, pixelFormat, subsampling, quality };
+    return encodeStrips(width, height, subsampling, &source, codePixels);
+}
+
+QByteArray MMJpegStripEncoder::encode(const MMYuvPlanes &planes, int quality)
+{
+    if (planes.isNull())
+        return QByteArray();
+    const Planes source{ &planes, quality };
+    const QSize size = planes.size();
+    QByteArray joined = encodeStrips(size.width(), size.height(), int(planes.subsampling()), &source, codePlanes);
+    if (!joined.isEmpty())
+        return joined;
+    tjhandle tj = tjInitCompress();
+    if (!tj)
+        return QByteArray();
+    unsigned char *buffer = nullptr;
+    unsigned long bytes = 0;
+    if (codePlanes(&source, tj, 0, size.height(), &buffer, &bytes) == 0)
+        joined = QByteArray(reinterpret_cast<const char *>(buffer), int(bytes));
+    tjFree(buffer);
+    tjDestroy(tj);
+    return joined;
 }

@@ -1,6 +1,8 @@
 #pragma once
 #include <QByteArray>
 
+class MMYuvPlanes;
+
 // Encodes a large picture as horizontal strips of whole MCU rows on two
 // threads and joins them into one baseline JPEG: a restart interval of one
 // strip makes each strip's entropy-coded data start afresh, exactly as an
@@ -14,4 +16,7 @@ public:
     // the strips cannot be joined; the caller then encodes it in one piece.
     static QByteArray encode(const unsigned char *pixels, int width, int pitch, int height, int pixelFormat,
                              int subsampling, int quality);
+    // Sample planes, coded at their own subsampling: in strips when large
+    // enough, else in one piece. Empty on failure.
+    static QByteArray encode(const MMYuvPlanes &planes, int quality);
 };

@@ -8,10 +8,12 @@
 #include "MMImageSource.h"
 #include "MMImageWriter.h"
 #include "MMJpegCodec.h"
+#include "MMJpegPlaneDecoder.h"
 #include "MMJpegRegionDecoder.h"
 #include "MMMetadata.h"
 #include "MMMirrorCommand.h"
 #include "MMRotateCommand.h"
+#include "MMYuvPlanes.h"
 #include <QFile>
 #include <sys/stat.h>
 
@@ -101,6 +103,31 @@ MMEncodeOptions encodeOptions(const MMImageHeader &header, const QByteArray &for
     return options;
 }
 
+// Below this many pixels decoding to RGB is as quick as to planes.
+const qint64 kPlanesPixels = 1 << 20;
+
+// A large sequential JPEG only turned or flipped is turned in its own YCbCr
+// planes and re-encoded from them: no colour conversion or chroma
+// resampling either way, a smaller frame, and the file's own chroma kept.
+// -1 on failure, 1 when the stream does not suit (nothing done).
+int runPlanes(QByteArray &source, const QString &out, const MMImageHeader &header,
+              const MMEditPlanner::Plan &plan, const MMEncodeOptions &options)
+{
+    const QSize stored = header.storedSize();
+    if (!plan.rest.empty() || plan.resizeTo.isValid() || plan.scaleDenom != 1
+        || plan.decodeRect != QRect(QPoint(0, 0), stored) || qint64(stored.width()) * stored.height() < kPlanesPixels
+        || header.jpeg().buffersWholePicture())
+        return 1;
+    MMYuvPlanes planes;
+    switch (MMJpegPlaneDecoder::decode(source, plan.orientation, &planes)) {
+    case MMJpegPlaneDecoder::Unsuited: return 1;
+    case MMJpegPlaneDecoder::Failed: return -1;
+    case MMJpegPlaneDecoder::Decoded: break;
+    }
+    source = QByteArray(); // not held through the encode
+    return MMImageWriter::write(planes, out, options);
+}
+
 // Replays a plan on a 1- or 3-component JPEG: only the needed part is
 // decoded, already turned. A null image when the plan cannot be replayed.
 QImage decodePlanned(const QByteArray &source, const MMImageHeader &header, const MMEditPlanner::Plan &plan,
@@ -158,6 +185,11 @@ int MMCommandRunner::run(const MMImageSource &source, const MMImageSource &desti
     const int components = header.jpeg().components();
     if (header.format() == MM_FORMAT_JPEG && (components == 1 || components == 3)) {
         const MMEditPlanner::Plan plan = MMEditPlanner::plan(header.storedSize(), header.orientation(), commands);
+        if (plan.valid && format == "jpeg") {
+            const int planes = runPlanes(jpegBytes, out, header, plan, encodeOptions(header, format, in));
+            if (planes != 1)
+                return planes;
+        }
         if (plan.valid) {
             QImage image = decodePlanned(jpegBytes, header, plan, format == "jpeg");
             jpegBytes = QByteArray(); // not held through the encode

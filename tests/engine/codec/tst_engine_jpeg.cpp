@@ -6,10 +6,13 @@
 #include "MMImageDecoder.h"
 #include "MMJpegCodec.h"
 #include "MMJpegHeader.h"
+#include "MMJpegPlaneDecoder.h"
 #include "MMJpegRegionDecoder.h"
 #include "requiretool.h"
 #include <QTemporaryDir>
 #include <QtTest>
+#include <cmath>
+#include <turbojpeg.h>
 
 using namespace EngineTestTools;
 
@@ -408,12 +411,166 @@ private slots:
         QCOMPARE(decoded, djpeg(theirs));
     }
 
+    void planeDecodeEqualsRawDecode_data()
+    {
+        QTest::addColumn<QString>("colour");
+        QTest::addColumn<QSize>("size");
+        QTest::addColumn<int>("orientation");
+        QTest::addColumn<int>("turned"); // the planes' subsampling; -1: unsuited
+        // Above a megapixel two parts decode, the second from the middle.
+        QTest::newRow("4:2:2 turned right, odd height") << "-sample 2x1" << QSize(1283, 1021) << 6 << int(MMJpegHeader::Sub440);
+        QTest::newRow("4:2:0 turned left") << "-sample 2x2" << QSize(1290, 1022) << 8 << int(MMJpegHeader::Sub420);
+        QTest::newRow("4:4:4 transverse") << "-sample 1x1" << QSize(1100, 1001) << 7 << int(MMJpegHeader::Sub444);
+        QTest::newRow("4:4:0 mirrored, odd sides") << "-sample 1x2" << QSize(1203, 1001) << 2 << int(MMJpegHeader::Sub440);
+        QTest::newRow("4:2:2 upright") << "-sample 2x1" << QSize(1280, 1030) << 1 << int(MMJpegHeader::Sub422);
+        QTest::newRow("grey upside down") << "-grayscale" << QSize(1111, 999) << 3 << int(MMJpegHeader::SubGray);
+        QTest::newRow("4:2:0 transposed, one part") << "-sample 2x2" << QSize(301, 203) << 5 << int(MMJpegHeader::Sub420);
+        // A reversed side ending in half a chroma sample; progressive.
+        QTest::newRow("4:2:0 half turn, odd width") << "-sample 2x2" << QSize(1281, 1024) << 3 << -1;
+        QTest::newRow("4:2:2 turned left, odd width") << "-sample 2x1" << QSize(1281, 1024) << 8 << -1;
+        QTest::newRow("progressive") << "-sample 2x2 -progressive" << QSize(1280, 1024) << 6 << -1;
+    }
+
+    // The turned planes hold exactly the samples of TurboJPEG's raw decode of
+    // the stored picture, turned: no sample lost, moved or recomputed.
+    void planeDecodeEqualsRawDecode()
+    {
+        QFETCH(QString, colour);
+        QFETCH(QSize, size);
+        QFETCH(int, orientation);
+        QFETCH(int, turned);
+        const QByteArray data = bytes(makeJpeg(detailedPhoto(size), "planes.jpg", 90, colour.split(' ')));
+        QVERIFY(!data.isEmpty());
+        const MMOrientation turn = MMOrientation::fromExif(orientation);
+        MMYuvPlanes planes;
+
+        const MMJpegPlaneDecoder::Result result = MMJpegPlaneDecoder::decode(data, turn, &planes);
+
+        if (turned < 0) {
+            QCOMPARE(result, MMJpegPlaneDecoder::Unsuited);
+            return;
+        }
+        QCOMPARE(result, MMJpegPlaneDecoder::Decoded);
+        QCOMPARE(int(planes.subsampling()), turned);
+        QCOMPARE(planes.size(), turn.map(size));
+        const std::vector<QImage> reference = rawPlanes(data);
+        QCOMPARE(int(reference.size()), planes.count());
+        for (int i = 0; i < planes.count(); ++i) {
+            const QImage expected = turn.apply(reference[size_t(i)]);
+            QCOMPARE(planes.planeSize(i), expected.size());
+            const QImage ours(planes.plane(i), expected.width(), expected.height(), expected.width(),
+                              QImage::Format_Grayscale8);
+            // Past the picture luma is padded with its edge, not decoded.
+            const QRect kept = i == 0 ? QRect(QPoint(0, 0), planes.size()) : ours.rect();
+            QCOMPARE(ours.copy(kept), expected.copy(kept));
+            QCOMPARE(ours.pixel(ours.rect().bottomRight()), ours.pixel(kept.bottomRight()));
+        }
+    }
+
+    void planeDecodeRefusesDamage_data()
+    {
+        QTest::addColumn<double>("at"); // where in the coded data, as a share of it
+        QTest::addColumn<bool>("cut");
+        QTest::newRow("damage in the first part's rows") << 0.1 << false;
+        QTest::newRow("damage in the second part's rows only") << 0.95 << false;
+        QTest::newRow("cut short") << 0.5 << true;
+    }
+
+    // Damage that either part reads fails the decode and the save, whichever
+    // part reads it (the second reads the first's rows only to skip them).
+    void planeDecodeRefusesDamage()
+    {
+        QFETCH(double, at);
+        QFETCH(bool, cut);
+        const QString in = makeJpeg(detailedPhoto(QSize(1283, 1021)), "planes-damaged.jpg", 90, { "-sample", "2x1" });
+        QByteArray data = bytes(in);
+        MMYuvPlanes planes;
+        QCOMPARE(MMJpegPlaneDecoder::decode(data, MMOrientation::rotation(90), &planes), MMJpegPlaneDecoder::Decoded);
+        const qsizetype scan = data.indexOf("\xFF\xDA");
+        QVERIFY(scan > 0);
+        const qsizetype where = scan + 20 + qsizetype(at * double(data.size() - scan - 22));
+        if (cut) {
+            data.truncate(where);
+        } else {
+            // A marker in the middle of the coded data cuts it short.
+            data[where] = char(0xFF);
+            data[where + 1] = char(0xD3);
+        }
+
+        QCOMPARE(MMJpegPlaneDecoder::decode(data, MMOrientation::rotation(90), &planes), MMJpegPlaneDecoder::Failed);
+        const QString out = path("planes-damaged-out.jpg");
+        QVERIFY(writeBytes(in, data));
+        QCOMPARE(runCommands(in, out, "r90"), -1);
+        QVERIFY(!QFile::exists(out));
+    }
+
+    void planeSaveEqualsReferenceTurn_data()
+    {
+        QTest::addColumn<QString>("colour");
+        QTest::addColumn<QSize>("size");
+        QTest::addColumn<int>("orientation");
+        QTest::addColumn<QString>("commands");
+        QTest::addColumn<int>("sampling"); // of the saved file
+        QTest::addColumn<double>("psnr"); // at least, in dB
+        QTest::newRow("4:2:2 turned right") << "-sample 2x1" << QSize(1283, 1021) << 1 << "r90" << int(MMJpegHeader::Sub440) << 42.0;
+        QTest::newRow("4:2:0 turned left") << "-sample 2x2" << QSize(1290, 1022) << 1 << "r-90" << int(MMJpegHeader::Sub420) << 42.0;
+        QTest::newRow("stored on its side, then mirrored") << "-sample 2x1" << QSize(1283, 1021) << 6 << "mh" << int(MMJpegHeader::Sub440) << 42.0;
+        QTest::newRow("grey half turn") << "-grayscale" << QSize(1111, 999) << 1 << "r180" << int(MMJpegHeader::SubGray) << 42.0;
+        // Half a chroma sample at a reversed side: decoded to RGB as before,
+        // its chroma subsampled anew across the checkerboard's edges.
+        QTest::newRow("4:2:0 odd width turned left") << "-sample 2x2" << QSize(1283, 1024) << 1 << "r-90" << int(MMJpegHeader::Sub420) << 30.0;
+    }
+
+    // A large turned picture saved through the runner is one re-encode away
+    // from the decoded source turned, and its sampling turns with it.
+    void planeSaveEqualsReferenceTurn()
+    {
+        QFETCH(QString, colour);
+        QFETCH(QSize, size);
+        QFETCH(int, orientation);
+        QFETCH(QString, commands);
+        QFETCH(int, sampling);
+        QFETCH(double, psnr);
+        const QString in = makeJpeg(photo(size.width(), size.height()), "planes-save.jpg", 92, colour.split(' '));
+        QVERIFY(run("exiftool", { "-q", "-overwrite_original", QString("-Orientation#=%1").arg(orientation), in }));
+        const QString out = path("planes-save-out.jpg");
+        CommandList list;
+        parseCommands(commands, list);
+        QImage expected = djpeg(in);
+        expected = MMOrientation::fromExif(orientation).apply(expected);
+        QVERIFY(applyAll(list, expected));
+
+        QCOMPARE(runCommands(in, out, commands), 0);
+
+        QFile file(out);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        MMJpegHeader header;
+        QVERIFY(header.read(file));
+        QCOMPARE(int(header.subsampling()), sampling);
+        const QImage saved = djpeg(out);
+        QCOMPARE(saved.size(), expected.size());
+        int worst = 0;
+        double squares = 0;
+        for (int y = 0; y < saved.height(); ++y)
+            for (int x = 0; x < saved.width(); ++x) {
+                const QRgb a = saved.pixel(x, y), b = expected.pixel(x, y);
+                for (int d : { qRed(a) - qRed(b), qGreen(a) - qGreen(b), qBlue(a) - qBlue(b) }) {
+                    worst = qMax(worst, qAbs(d));
+                    squares += d * d;
+                }
+            }
+        const double measured = 10 * std::log10(255.0 * 255.0 * 3 * saved.width() * saved.height() / qMax(squares, 1.0));
+        QVERIFY2(measured >= psnr && worst <= 40, qPrintable(QString("PSNR %1 dB, worst %2").arg(measured).arg(worst)));
+    }
+
 private:
     QString path(const QString &name) const { return m_dir.filePath(name); }
     // The picture as cjpeg codes it, with the options given.
     QString makeJpeg(const QImage &image, const QString &name, int quality, const QStringList &options = {});
     // photo() with fine detail, so that a block or strip out of place shows.
     static QImage detailedPhoto(const QSize &size);
+    // TurboJPEG's raw decode of a JPEG: its planes, each as a grey picture.
+    static std::vector<QImage> rawPlanes(const QByteArray &jpeg);
     QTemporaryDir m_dir;
 };
 
@@ -432,6 +589,28 @@ QImage TestEngineJpeg::detailedPhoto(const QSize &size)
         for (int x = (y * 7) % 5; x < size.width(); x += 5)
             image.setPixel(x, y, qRgb((x * 31) % 256, (y * 17) % 256, ((x + y) * 13) % 256));
     return image;
+}
+
+std::vector<QImage> TestEngineJpeg::rawPlanes(const QByteArray &jpeg)
+{
+    tjhandle tj = tjInitDecompress();
+    const auto *data = reinterpret_cast<const unsigned char *>(jpeg.constData());
+    int width = 0, height = 0, sampling = 0, colourspace = 0;
+    std::vector<QImage> planes;
+    if (tjDecompressHeader3(tj, data, (unsigned long)jpeg.size(), &width, &height, &sampling, &colourspace) == 0) {
+        unsigned char *pointers[3] = {};
+        int strides[3] = {};
+        for (int i = 0; i < (sampling == TJSAMP_GRAY ? 1 : 3); ++i) {
+            planes.emplace_back(tjPlaneWidth(i, width, sampling), tjPlaneHeight(i, height, sampling),
+                                QImage::Format_Grayscale8);
+            pointers[i] = planes.back().bits();
+            strides[i] = int(planes.back().bytesPerLine());
+        }
+        if (tjDecompressToYUVPlanes(tj, data, (unsigned long)jpeg.size(), pointers, width, strides, height, 0) != 0)
+            planes.clear();
+    }
+    tjDestroy(tj);
+    return planes;
 }
 
 QTEST_GUILESS_MAIN(TestEngineJpeg)

@@ -95,6 +95,7 @@ private slots:
         QTest::addColumn<QString>("commands");
         QTest::newRow("lossless turn") << QSize(400, 304) << "r90";
         QTest::newRow("re-encoded turn") << QSize(410, 290) << "r-90";
+        QTest::newRow("turn of a large picture's planes") << QSize(1283, 1022) << "r90";
         QTest::newRow("resize") << QSize(400, 300) << "s200,150";
     }
 
