@@ -145,8 +145,9 @@ QByteArray MMJpegCodec::transform(const QByteArray &jpeg, const MMOrientation &o
 {
     if (!progressive) {
         // Whole-MCU pictures: one decode, the result coded on both cores.
-        QByteArray turned = MMJpegLosslessTurner::transform(jpeg, orientation, keepMarkers);
-        if (!turned.isEmpty())
+        bool damaged = false;
+        QByteArray turned = MMJpegLosslessTurner::transform(jpeg, orientation, keepMarkers, &damaged);
+        if (!turned.isEmpty() || damaged)
             return turned;
     }
     TjHandle tj(tjInitTransform());

@@ -71,6 +71,7 @@ struct Strip
     MMJpegErrorJump error;
     jpeg_destination_mgr destination;
     bool created = false;
+    bool damaged = false; // holds coefficients no encoder may write
     int first = 0, count = 0; // MCU rows of the result
     // libjpeg keeps a pointer to this list until the encode ends.
     jvirt_barray_ptr arrays[MAX_COMPONENTS] = {};
@@ -200,18 +201,26 @@ void touch(const std::vector<std::unique_ptr<Strip>> &strips, const Job &job)
                 std::memset(s->rows[ci][r], 0, size_t(job.components[ci].width) * sizeof(JBLOCK));
 }
 
-void turnBlock(const JCOEF *in, JCOEF *out, const Job &job)
+// Turns one block; false when it holds a coefficient that 8-bit sequential
+// coding cannot carry (an AC beyond 10 bits, or a DC whose difference from
+// a neighbour could pass 11). libjpeg reads such values from a damaged or
+// crafted stream without a warning, and its fast entropy coder would write
+// them as garbage.
+bool turnBlock(const JCOEF *in, JCOEF *out, const Job &job)
 {
     for (int v = 0; v < DCTSIZE; ++v)
         for (int u = 0; u < DCTSIZE; ++u)
             out[v * DCTSIZE + u] =
                 JCOEF(in[job.swap ? u * DCTSIZE + v : v * DCTSIZE + u] * job.sign[v * DCTSIZE + u]);
+    bool fits = out[0] >= -1024 && out[0] <= 1023;
+    for (int k = 1; k < DCTSIZE2; ++k)
+        fits &= out[k] >= -1023 && out[k] <= 1023;
+    return fits;
 }
 
 bool encode(Strip &s, const Job &job)
 {
-    if (setjmp(s.error.jump))
-        return false;
+    bool fits = true;
     for (size_t ci = 0; ci < job.components.size(); ++ci) {
         const Component &k = job.components[ci];
         const int first = s.first * k.vSamp;
@@ -219,10 +228,16 @@ bool encode(Strip &s, const Job &job)
             const int y = first + r;
             for (int x = 0; x < k.width; ++x) {
                 const int sx = k.ox + x * k.xx + y * k.yx, sy = k.oy + x * k.xy + y * k.yy;
-                turnBlock(k.source[size_t(sy)][sx], s.rows[ci][r][x], job);
+                fits &= turnBlock(k.source[size_t(sy)][sx], s.rows[ci][r][x], job);
             }
         }
     }
+    if (!fits) {
+        s.damaged = true;
+        return false;
+    }
+    if (setjmp(s.error.jump))
+        return false;
     jpeg_finish_compress(&s.cinfo);
     return true;
 }
@@ -329,6 +344,7 @@ struct Work
     std::thread toucher;
     long long interval = 0;
     QByteArray result;
+    bool damaged = false;
     ~Work()
     {
         if (toucher.joinable())
@@ -392,6 +408,7 @@ QByteArray encodeStrips(Work &w)
     }
     std::vector<QByteArray> parts;
     for (int i = 0; i < count; ++i) {
+        w.damaged |= w.strips[size_t(i)]->damaged;
         if (!ok[size_t(i)])
             return QByteArray();
         const Strip &s = *w.strips[size_t(i)];
@@ -405,16 +422,21 @@ QByteArray encodeStrips(Work &w)
 }
 
 QByteArray MMJpegLosslessTurner::transform(const QByteArray &jpeg, const MMOrientation &orientation,
-                                           bool keepMarkers)
+                                           bool keepMarkers, bool *damaged)
 {
+    if (damaged)
+        *damaged = false;
     if (jpeg.isEmpty())
         return QByteArray();
     Work w;
     w.job.keepMarkers = keepMarkers;
     w.error.install(reinterpret_cast<j_common_ptr>(&w.cinfo), failOnWarning);
     jpeg_create_decompress(&w.cinfo);
-    if (setjmp(w.error.jump))
+    if (setjmp(w.error.jump)) {
+        if (damaged)
+            *damaged = true;
         return QByteArray();
+    }
     if (!readHeader(w.cinfo, jpeg, keepMarkers) || !plan(w.job, w.cinfo, orientation)
         || !prepareStrips(w, jpeg.size()))
         return QByteArray();
@@ -424,6 +446,8 @@ QByteArray MMJpegLosslessTurner::transform(const QByteArray &jpeg, const MMOrien
     if (!arrays || !attach(w.job, w.cinfo, arrays))
         return QByteArray();
     w.result = encodeStrips(w);
+    if (damaged)
+        *damaged = w.damaged;
     // The whole stream was read; this only checks its end.
     jpeg_finish_decompress(&w.cinfo);
     return w.result;

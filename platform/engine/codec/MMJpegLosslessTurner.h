@@ -17,7 +17,10 @@ class MMJpegLosslessTurner
 {
 public:
     // keepMarkers copies every APPn and COM segment unchanged. Empty when
-    // the stream is not such a picture, or is damaged (any libjpeg warning:
-    // a transform of damage would save damage), so the caller falls back.
-    static QByteArray transform(const QByteArray &jpeg, const MMOrientation &orientation, bool keepMarkers);
+    // the stream is not such a picture, or is damaged; damaged then says
+    // which. Damage is any libjpeg warning, or a coefficient sequential
+    // coding cannot carry: no lossless transform may be tried on such a
+    // stream, or it would save the damage (or garbage) as a picture.
+    static QByteArray transform(const QByteArray &jpeg, const MMOrientation &orientation, bool keepMarkers,
+                                bool *damaged = nullptr);
 };
