@@ -112,6 +112,19 @@ inline double meanDifference(const QImage &a, const QImage &b, bool alpha = fals
     return double(sum) / ((alpha ? 4.0 : 3.0) * a.width() * a.height());
 }
 
+// Of two same-sized pictures: the largest difference of any channel of any
+// pixel.
+inline int maxDifference(const QImage &a, const QImage &b)
+{
+    int worst = 0;
+    for (int y = 0; y < a.height(); ++y)
+        for (int x = 0; x < a.width(); ++x) {
+            const QRgb p = a.pixel(x, y), q = b.pixel(x, y);
+            worst = qMax(worst, qMax(qAbs(qRed(p) - qRed(q)), qMax(qAbs(qGreen(p) - qGreen(q)), qAbs(qBlue(p) - qBlue(q)))));
+        }
+    return worst;
+}
+
 // Pixels of a JPEG as libjpeg's own djpeg decodes them (EXIF ignored).
 inline QImage djpeg(const QString &path)
 {

@@ -319,12 +319,7 @@ private slots:
                                                           QImage::Format_RGB32, target);
 
         QCOMPARE(shrunk.size(), target);
-        int worst = 0;
-        for (int y = 0; y < target.height(); ++y)
-            for (int x = 0; x < target.width(); ++x) {
-                const QRgb a = shrunk.pixel(x, y), b = expected.pixel(x, y);
-                worst = qMax(worst, qMax(qAbs(qRed(a) - qRed(b)), qMax(qAbs(qGreen(a) - qGreen(b)), qAbs(qBlue(a) - qBlue(b)))));
-            }
+        const int worst = maxDifference(shrunk, expected);
         QVERIFY2(worst <= 1, qPrintable(QString("worst difference %1").arg(worst)));
     }
 

@@ -315,12 +315,7 @@ private slots:
         // Undo the edit on the saved picture and compare it with what was shown.
         const QImage saved = MMOrientation::fromExif(orientation).inverted().apply(djpeg(out));
         QCOMPARE(saved.size(), shown.size());
-        int worst = 0;
-        for (int y = 0; y < shown.height(); ++y)
-            for (int x = 0; x < shown.width(); ++x) {
-                const QRgb a = saved.pixel(x, y), b = shown.pixel(x, y);
-                worst = qMax(worst, qMax(qAbs(qRed(a) - qRed(b)), qMax(qAbs(qGreen(a) - qGreen(b)), qAbs(qBlue(a) - qBlue(b)))));
-            }
+        const int worst = maxDifference(saved, shown);
         QVERIFY2(worst <= 48, qPrintable(QString("worst difference %1").arg(worst)));
     }
 
