@@ -57,8 +57,9 @@ cp "$pic/grey.jpg" "$pic/cmyk.jpg" "$pic/rotated6.jpg" "$meta/"
 # The metadata ones are pictures to open too.
 cp "$meta"/*.jpg "$pic/"
 
-# Lossless turns take pictures of whole MCUs only; a flat 1280x1024 one is
-# large enough to be coded in two strips, and small enough to fuzz.
+# Lossless turns take exact transforms only (partial MCUs where they stay
+# put); a flat 1280x1024 picture is large enough to be coded in two strips,
+# and small enough to fuzz.
 convert -size 32x16 gradient:'#2050c0-#e0a040' "$tmp/whole.png"
 convert "$tmp/whole.png" -quality 85 -sampling-factor 2x2 "$turn/whole420.jpg"
 convert "$tmp/whole.png" -quality 85 -sampling-factor 2x1 "$turn/whole422.jpg"
@@ -66,6 +67,7 @@ convert "$tmp/whole.png" -quality 90 -sampling-factor 1x1 "$turn/whole444.jpg"
 convert "$tmp/whole.png" -colorspace Gray -quality 80 "$turn/whole-grey.jpg"
 convert "$tmp/whole.png" -colorspace CMYK -quality 80 "$turn/whole-cmyk.jpg"
 convert "$tmp/whole.png" -quality 80 -define jpeg:restart-interval=1 "$turn/whole-restart.jpg"
+convert -size 40x24 gradient:"#2050c0-#e0a040" -quality 85 -sampling-factor 2x2 "$turn/partial420.jpg"
 djpeg "$turn/whole420.jpg" | cjpeg -arithmetic -quality 80 >"$turn/whole-arithmetic.jpg"
 cp "$turn/whole420.jpg" "$turn/whole-exif.jpg"
 exiftool -q -overwrite_original -Make=VoSeed -Orientation#=6 "-ThumbnailImage<=$tmp/thumb.jpg" "$turn/whole-exif.jpg"

@@ -41,7 +41,8 @@ int markerCount(jpeg_saved_marker_ptr m)
 // of the result is source block (ox + x * xx + y * yx, oy + x * xy + y * yy).
 struct Component
 {
-    int width = 0; // result's blocks in a row
+    int width = 0;  // result's blocks in a row
+    int height = 0; // and in a column
     int vSamp = 1; // result's vertical sampling factor
     int ox = 0, oy = 0, xx = 1, xy = 0, yx = 0, yy = 1;
     std::array<UINT16, DCTSIZE2> quantizers{}; // as the header defined them
@@ -224,7 +225,8 @@ bool encode(Strip &s, const Job &job)
     for (size_t ci = 0; ci < job.components.size(); ++ci) {
         const Component &k = job.components[ci];
         const int first = s.first * k.vSamp;
-        for (int r = 0; r < s.count * k.vSamp; ++r) {
+        // Rows past the picture's last block (in its last MCU row) are not coded.
+        for (int r = 0; r < s.count * k.vSamp && first + r < k.height; ++r) {
             const int y = first + r;
             for (int x = 0; x < k.width; ++x) {
                 const int sx = k.ox + x * k.xx + y * k.yx, sy = k.oy + x * k.xy + y * k.yy;
@@ -248,10 +250,23 @@ bool plan(Job &job, const jpeg_decompress_struct &src, const MMOrientation &orie
     const int n = src.num_components;
     const int mcuW = src.max_h_samp_factor * DCTSIZE, mcuH = src.max_v_samp_factor * DCTSIZE;
     if (src.progressive_mode || src.data_precision != 8 || n < 1 || n > 4
-        || (n == 1 && (src.comp_info[0].h_samp_factor != 1 || src.comp_info[0].v_samp_factor != 1))
-        || src.image_width % JDIMENSION(mcuW) != 0 || src.image_height % JDIMENSION(mcuH) != 0)
+        || (n == 1 && (src.comp_info[0].h_samp_factor != 1 || src.comp_info[0].v_samp_factor != 1)))
         return false;
     job.swap = orientation.swapsAxes();
+    // Unit steps do not depend on the size; a 2x2 grid has both.
+    const MMOrientation back = orientation.inverted();
+    const QPoint a = back.mapRect(QRect(0, 0, 1, 1), QSize(2, 2)).topLeft();
+    const QPoint dx = back.mapRect(QRect(1, 0, 1, 1), QSize(2, 2)).topLeft() - a;
+    const QPoint dy = back.mapRect(QRect(0, 1, 1, 1), QSize(2, 2)).topLeft() - a;
+    // A result row (column) runs back along a source axis when flipU (flipV).
+    const bool flipU = dx.x() + dx.y() < 0, flipV = dy.x() + dy.y() < 0;
+    // A side the transform reverses must be whole MCUs: its partial MCU
+    // would land at the leading edge, where no partial MCU may be. Other
+    // sides keep theirs at the trailing edge.
+    const bool reverseX = job.swap ? flipV : flipU, reverseY = job.swap ? flipU : flipV;
+    if ((reverseX && src.image_width % JDIMENSION(mcuW) != 0)
+        || (reverseY && src.image_height % JDIMENSION(mcuH) != 0))
+        return false;
     const QSize size = orientation.map(QSize(int(src.image_width), int(src.image_height)));
     job.width = size.width();
     job.height = size.height();
@@ -260,11 +275,6 @@ bool plan(Job &job, const jpeg_decompress_struct &src, const MMOrientation &orie
     job.mcuWidth = n == 1 ? DCTSIZE : (job.swap ? mcuH : mcuW);
     job.markers = markerCount(src.marker_list);
 
-    // Unit steps do not depend on the size; a 2x2 grid has both.
-    const MMOrientation back = orientation.inverted();
-    const QPoint a = back.mapRect(QRect(0, 0, 1, 1), QSize(2, 2)).topLeft();
-    const QPoint dx = back.mapRect(QRect(1, 0, 1, 1), QSize(2, 2)).topLeft() - a;
-    const QPoint dy = back.mapRect(QRect(0, 1, 1, 1), QSize(2, 2)).topLeft() - a;
     for (int ci = 0; ci < n; ++ci) {
         const jpeg_component_info &info = src.comp_info[ci];
         const JQUANT_TBL *table = info.quant_tbl_no >= 0 && info.quant_tbl_no < NUM_QUANT_TBLS
@@ -275,6 +285,7 @@ bool plan(Job &job, const jpeg_decompress_struct &src, const MMOrientation &orie
         std::copy(table->quantval, table->quantval + DCTSIZE2, k.quantizers.begin());
         const QSize turned = orientation.map(QSize(int(info.width_in_blocks), int(info.height_in_blocks)));
         k.width = turned.width();
+        k.height = turned.height();
         k.vSamp = job.swap ? info.h_samp_factor : info.v_samp_factor;
         const QPoint o = back.mapRect(QRect(0, 0, 1, 1), turned).topLeft();
         k.ox = o.x();
@@ -285,10 +296,8 @@ bool plan(Job &job, const jpeg_decompress_struct &src, const MMOrientation &orie
         k.yy = dy.y();
         job.components.push_back(std::move(k));
     }
-    // A result column runs along a source column or row, forwards or back;
-    // running back mirrors the block, which flips the sign of its odd
-    // frequencies in that direction.
-    const bool flipU = dx.x() + dx.y() < 0, flipV = dy.x() + dy.y() < 0;
+    // Running back along the source mirrors each block, which flips the sign
+    // of its odd frequencies in that direction.
     for (int v = 0; v < DCTSIZE; ++v)
         for (int u = 0; u < DCTSIZE; ++u)
             job.sign[v * DCTSIZE + u] = (flipU && (u & 1)) != (flipV && (v & 1)) ? -1 : 1;
@@ -311,8 +320,9 @@ bool attach(Job &job, jpeg_decompress_struct &src, jvirt_barray_ptr *arrays)
         for (JDIMENSION r = 0; r < info.height_in_blocks; r += JDIMENSION(info.v_samp_factor)) {
             JBLOCKARRAY rows = (*src.mem->access_virt_barray)(reinterpret_cast<j_common_ptr>(&src), arrays[ci], r,
                                                               JDIMENSION(info.v_samp_factor), FALSE);
-            for (int i = 0; i < info.v_samp_factor; ++i)
-                k.source[r + JDIMENSION(i)] = rows[i];
+            // The array's rows run on to a whole MCU row; the picture's may not.
+            for (JDIMENSION i = 0; i < JDIMENSION(info.v_samp_factor) && r + i < info.height_in_blocks; ++i)
+                k.source[r + i] = rows[i];
         }
     }
     return true;

@@ -10,9 +10,10 @@
 // `jpegtran -perfect -copy all` writes, but for the EXIF picture size, which
 // the metadata step sets.
 //
-// Only pictures of whole MCUs, where every turn and flip is exact (no
-// partial block moves to a leading edge); a progressive stream keeps its
-// scans through the general transform.
+// Only exact transforms: every side the transform reverses is whole MCUs,
+// so that a partial MCU stays at a trailing edge (as `jpegtran -perfect`
+// requires). A progressive stream keeps its scans through the general
+// transform.
 class MMJpegLosslessTurner
 {
 public:

@@ -44,6 +44,12 @@ private slots:
         QTest::newRow("three rights and both mirrors") << "r90 r90 r90 mh mv" << QStringList{ "-rotate", "90" } << "2x2"
                                                        << small;
         QTest::newRow("4:2:2 right, small") << "r90" << QStringList{ "-rotate", "90" } << "2x1" << small;
+        // Partial MCUs on a side the transform keeps in place.
+        QTest::newRow("left, partial last row") << "r-90" << QStringList{ "-rotate", "270" } << "2x2" << QSize(256, 200);
+        QTest::newRow("mirror, partial last row") << "mh" << QStringList{ "-flip", "horizontal" } << "2x2"
+                                                  << QSize(256, 200);
+        QTest::newRow("transpose, partial on both sides") << "r90 mh" << QStringList{ "-transpose" } << "2x1"
+                                                          << QSize(100, 70);
         // Large pictures are coded in strips on two threads.
         QTest::newRow("strips: 4:2:0 right") << "r90" << QStringList{ "-rotate", "90" } << "2x2" << large;
         QTest::newRow("strips: 4:2:2 left, chroma turned") << "r-90" << QStringList{ "-rotate", "270" } << "2x1"
@@ -51,6 +57,8 @@ private slots:
         QTest::newRow("strips: 4:2:2 half turn") << "r90 r90" << QStringList{ "-rotate", "180" } << "2x1" << large;
         QTest::newRow("strips: 4:4:4 transverse") << "mh r90" << QStringList{ "-transverse" } << "1x1" << large;
         QTest::newRow("strips: grey, mirror vertical") << "mv" << QStringList{ "-flip", "vertical" } << "grey" << large;
+        QTest::newRow("strips: left, partial last row") << "r-90" << QStringList{ "-rotate", "270" } << "2x2"
+                                                        << QSize(1280, 1000);
     }
 
     void losslessMatchesJpegtran()
@@ -59,7 +67,7 @@ private slots:
         QFETCH(QStringList, jpegtran);
         QFETCH(QString, colour);
         QFETCH(QSize, size);
-        // Whole MCUs, no metadata: every transform is perfect.
+        // No metadata; every transform here is perfect.
         const QStringList options = colour == "grey" ? QStringList{ "-grayscale" } : QStringList{ "-sample", colour };
         const QString in = makeJpeg(detailedPhoto(size), "lossless.jpg", 85, options), out = path("lossless-out.jpg");
         const QString reference = path("lossless-ref.jpg");
