@@ -307,13 +307,16 @@ private slots:
         "003f00ff006eadc0831c658e42d73ad650740631d323688185f0a07feffb5af0365b0a03169144ffd9");
         const QString in = path("beyond.jpg"), out = path("beyond-out.jpg");
         QVERIFY(writeBytes(in, stream));
-        const QImage shown = djpeg(in);
+        // libjpeg's SIMD code on each processor makes its own pixels of such
+        // a block: the reference is this build's decode, as the editor shows it.
+        const QImage shown = MMImageDecoder::decode(in).convertToFormat(QImage::Format_RGB32);
         QCOMPARE(shown.size(), QSize(32, 16));
 
         QCOMPARE(runCommands(in, out, commands), 0);
 
         // Undo the edit on the saved picture and compare it with what was shown.
-        const QImage saved = MMOrientation::fromExif(orientation).inverted().apply(djpeg(out));
+        const QImage saved = MMOrientation::fromExif(orientation).inverted().apply(
+            MMImageDecoder::decode(out).convertToFormat(QImage::Format_RGB32));
         QCOMPARE(saved.size(), shown.size());
         const int worst = maxDifference(saved, shown);
         QVERIFY2(worst <= 48, qPrintable(QString("worst difference %1").arg(worst)));
