@@ -2,6 +2,7 @@
 #include "MMAtomicFile.h"
 #include "MMFileFormat.h"
 #include "MMJpegCodec.h"
+#include "MMJpegProgressiveEncoder.h"
 #include "MMJpegStripEncoder.h"
 #include "MMMetadata.h"
 #include "MMYuvPlanes.h"
@@ -74,14 +75,19 @@ QByteArray MMImageWriter::encode(const QImage &image, const QString &path, const
     return data;
 }
 
-int MMImageWriter::write(const MMYuvPlanes &planes, const QString &path, const MMEncodeOptions &options)
+int MMImageWriter::write(const MMYuvPlanes &planes, const QString &path, const MMEncodeOptions &options,
+                         const std::function<QByteArray()> &chromaScans)
 {
     if (planes.isNull())
         return -1;
     // Twice the thumbnail's bound: the metadata averages it down from there.
     const auto picture = [&planes] { return planes.preview(QSize(320, 320)); };
+    const int quality = qBound(1, options.jpegQuality, 100);
     const QByteArray data = withMetadata(planes.size(), picture, options, [&] {
-        return MMJpegStripEncoder::encode(planes, qBound(1, options.jpegQuality, 100));
+        if (!options.jpegProgressive)
+            return MMJpegStripEncoder::encode(planes, quality);
+        const QByteArray joined = MMJpegProgressiveEncoder::encode(planes, quality, chromaScans);
+        return joined.isEmpty() ? MMJpegStripEncoder::encodeWhole(planes, quality, true) : joined;
     });
     if (data.isEmpty())
         return -1;

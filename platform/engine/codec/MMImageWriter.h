@@ -2,6 +2,7 @@
 #include "MMEncodeOptions.h"
 #include <QImage>
 #include <QString>
+#include <functional>
 
 class MMYuvPlanes;
 
@@ -17,8 +18,11 @@ public:
     static int write(const QImage &image, const QString &path, const MMEncodeOptions &options);
     // The bytes write() would store; empty on failure.
     static QByteArray encode(const QImage &image, const QString &path, const MMEncodeOptions &options);
-    // Sample planes as a baseline JPEG at their own subsampling (the
-    // options' subsampling and progressive are not asked), with the
-    // metadata of options.metadataSource. 0 on success, -1 on failure.
-    static int write(const MMYuvPlanes &planes, const QString &path, const MMEncodeOptions &options);
+    // Sample planes as a JPEG at their own subsampling (the options'
+    // subsampling is not asked), progressive when the options say so, with
+    // the metadata of options.metadataSource. chromaScans, when given,
+    // gives the progressive chroma scans of these planes, coded elsewhere
+    // (MMJpegProgressiveEncoder::chromaScans). 0 on success, -1 on failure.
+    static int write(const MMYuvPlanes &planes, const QString &path, const MMEncodeOptions &options,
+                     const std::function<QByteArray()> &chromaScans = nullptr);
 };

@@ -1,5 +1,7 @@
 #include "MMJpegPlaneDecoder.h"
+#include "MMDecodeBudget.h"
 #include "MMJpegErrorJump.h"
+#include "MMJpegScanSplitter.h"
 #include "MMTurnedPlane.h"
 #include <algorithm>
 #include <cmath>
@@ -29,6 +31,11 @@ struct Layout
     int h[3] = {}, v[3] = {};
     int hMax = 1, vMax = 1;
     int iMcuRows = 0;
+    bool progressive = false;
+    // What one decoder of a progressive stream holds: every coefficient.
+    qint64 coefficientBytes = 0;
+    // Set when luma's and chroma's scans are decoded apart.
+    MMJpegScanSplitter *streams = nullptr;
     // Each plane's samples in stored orientation; luma's only where the
     // picture is (TurboJPEG pads it to whole chroma samples).
     QSize plane[3];
@@ -43,13 +50,21 @@ struct Part
     MMJpegErrorJump error;
     std::vector<unsigned char> band[3];
     std::vector<unsigned char> rows;
+    // Where a part's unwanted components are read to: one row, reused.
+    std::vector<unsigned char> scratch;
+    std::vector<JSAMPROW> scratchRows;
     std::vector<JSAMPROW> pointers[3];
 };
 
-// Reads the header; false when the stream is not the picture layout says.
-bool open(jpeg_decompress_struct &cinfo, const Layout &l)
+// Reads the header of the whole stream or, when it is split, of part's;
+// false when the stream is not the picture layout says.
+bool open(jpeg_decompress_struct &cinfo, const Layout &l, MMJpegScanSplitter::Part part = MMJpegScanSplitter::Luma)
 {
-    jpeg_mem_src(&cinfo, reinterpret_cast<const unsigned char *>(l.jpeg->constData()), (unsigned long)l.jpeg->size());
+    if (l.streams)
+        l.streams->attach(&cinfo, part);
+    else
+        jpeg_mem_src(&cinfo, reinterpret_cast<const unsigned char *>(l.jpeg->constData()),
+                     (unsigned long)l.jpeg->size());
     if (jpeg_read_header(&cinfo, TRUE) != JPEG_HEADER_OK)
         return false;
     return int(cinfo.image_width) == l.size.width() && int(cinfo.image_height) == l.size.height()
@@ -60,8 +75,10 @@ bool open(jpeg_decompress_struct &cinfo, const Layout &l)
 bool probe(jpeg_decompress_struct &cinfo, const QByteArray &jpeg, Layout &l)
 {
     jpeg_mem_src(&cinfo, reinterpret_cast<const unsigned char *>(jpeg.constData()), (unsigned long)jpeg.size());
-    if (jpeg_read_header(&cinfo, TRUE) != JPEG_HEADER_OK || cinfo.progressive_mode
-        || cinfo.comps_in_scan != cinfo.num_components)
+    // A progressive stream buffers every coefficient whatever is done, so
+    // raw output costs nothing more; a sequential one must be interleaved.
+    if (jpeg_read_header(&cinfo, TRUE) != JPEG_HEADER_OK
+        || (!cinfo.progressive_mode && cinfo.comps_in_scan != cinfo.num_components))
         return false;
     const bool grey = cinfo.num_components == 1 && cinfo.jpeg_color_space == JCS_GRAYSCALE;
     if (!grey && (cinfo.num_components != 3 || cinfo.jpeg_color_space != JCS_YCbCr))
@@ -69,9 +86,12 @@ bool probe(jpeg_decompress_struct &cinfo, const QByteArray &jpeg, Layout &l)
     l.jpeg = &jpeg;
     l.size = QSize(int(cinfo.image_width), int(cinfo.image_height));
     l.count = cinfo.num_components;
+    l.progressive = cinfo.progressive_mode;
     for (int c = 0; c < l.count; ++c) {
         l.h[c] = cinfo.comp_info[c].h_samp_factor;
         l.v[c] = cinfo.comp_info[c].v_samp_factor;
+        l.coefficientBytes += qint64(cinfo.comp_info[c].width_in_blocks) * cinfo.comp_info[c].height_in_blocks
+            * DCTSIZE2 * qint64(sizeof(JCOEF));
     }
     // Luma at 1 or 2 each way, chroma at 1: the layouts TurboJPEG codes.
     if (!grey && (l.h[1] != 1 || l.v[1] != 1 || l.h[2] != 1 || l.v[2] != 1 || l.h[0] > 2 || l.v[0] > 2))
@@ -113,18 +133,36 @@ void place(const Layout &l, int c, const std::vector<unsigned char> &band, ptrdi
         l.where[size_t(c)].place(band.data(), stride, first, rows, l.plane[c].width());
 }
 
-// Decodes iMCU rows [0, end) as raw planes and places them.
-bool decodeRaw(Part &p, const Layout &l, int end)
+// Components 0 to 2 as bits.
+const unsigned kAll = 7, kLumaOnly = 1, kChromaOnly = 6;
+
+// Decodes iMCU rows [0, end) as raw planes and places those of the
+// components in keep; the others are not reconstructed at all. part names
+// the stream when it is split.
+bool decodeRaw(Part &p, const Layout &l, int end, unsigned keep = kAll,
+               MMJpegScanSplitter::Part part = MMJpegScanSplitter::Luma)
 {
     jpeg_decompress_struct &cinfo = p.cinfo;
-    if (!open(cinfo, l))
+    if (!open(cinfo, l, part))
         return false;
     cinfo.raw_data_out = TRUE;
+    // Each part of a split stream lacks the other's AC scans; smoothing
+    // would invent them (a whole stream is never smoothed: all are known).
+    if (l.streams)
+        cinfo.do_block_smoothing = FALSE;
     jpeg_start_decompress(&cinfo);
     const int perBand = std::max(1, kBandRows / (8 * l.vMax));
     ptrdiff_t stride[3];
     for (int c = 0; c < l.count; ++c) {
         stride[c] = ptrdiff_t(cinfo.comp_info[c].width_in_blocks) * DCTSIZE;
+        if (!(keep & (1u << c))) {
+            // Read but never reconstructed: libjpeg skips the inverse DCT of
+            // a component not needed, so these rows are not even written.
+            cinfo.comp_info[c].component_needed = FALSE;
+            p.scratch.resize(std::max(p.scratch.size(), size_t(stride[c])));
+            p.scratchRows.assign(size_t(l.vMax * DCTSIZE), p.scratch.data());
+            continue;
+        }
         const int rows = perBand * l.v[c] * DCTSIZE;
         p.band[c].resize(size_t(stride[c]) * size_t(rows));
         p.pointers[c].resize(size_t(rows));
@@ -136,12 +174,14 @@ bool decodeRaw(Part &p, const Layout &l, int end)
         for (int k = 0; k < n; ++k) {
             JSAMPARRAY planes[3];
             for (int c = 0; c < l.count; ++c)
-                planes[c] = p.pointers[c].data() + k * l.v[c] * DCTSIZE;
+                planes[c] = keep & (1u << c) ? p.pointers[c].data() + k * l.v[c] * DCTSIZE : p.scratchRows.data();
             if (jpeg_read_raw_data(&cinfo, planes, JDIMENSION(l.vMax * DCTSIZE)) == 0)
                 return false;
         }
-        for (int c = 0; c < l.count; ++c)
-            place(l, c, p.band[c], stride[c], row * l.v[c] * DCTSIZE, n * l.v[c] * DCTSIZE);
+        for (int c = 0; c < l.count; ++c) {
+            if (keep & (1u << c))
+                place(l, c, p.band[c], stride[c], row * l.v[c] * DCTSIZE, n * l.v[c] * DCTSIZE);
+        }
     }
     // Read to the end only when the part reaches it, so that a warning
     // there is still seen.
@@ -215,7 +255,7 @@ bool decodeRows(Part &p, const Layout &l, int first)
 }
 
 MMJpegPlaneDecoder::Result MMJpegPlaneDecoder::decode(const QByteArray &jpeg, const MMOrientation &orientation,
-                                                      MMYuvPlanes *planes)
+                                                      MMYuvPlanes *planes, const ChromaDone &chromaDone)
 {
     Layout l;
     {
@@ -230,7 +270,10 @@ MMJpegPlaneDecoder::Result MMJpegPlaneDecoder::decode(const QByteArray &jpeg, co
             || (MMTurnedPlane::reversesY(orientation) && l.size.height() % l.vMax != 0)))
         return Unsuited;
     const bool swap = orientation.swapsAxes();
-    MMYuvPlanes out(orientation.map(l.size), subsamplingOf(l.count, swap ? l.vMax : l.hMax, swap ? l.hMax : l.vMax));
+    // Filled in place: chromaDone's reader may hold on to it.
+    *planes = MMYuvPlanes(orientation.map(l.size),
+                          subsamplingOf(l.count, swap ? l.vMax : l.hMax, swap ? l.hMax : l.vMax));
+    MMYuvPlanes &out = *planes;
     if (out.isNull())
         return Failed;
     for (int c = 0; c < l.count; ++c) {
@@ -242,7 +285,31 @@ MMJpegPlaneDecoder::Result MMJpegPlaneDecoder::decode(const QByteArray &jpeg, co
     const bool large = std::thread::hardware_concurrency() > 1
         && qint64(l.size.width()) * l.size.height() >= kSplitPixels && l.iMcuRows >= 4;
     bool ok = false;
-    if (!large) {
+    MMJpegScanSplitter streams;
+    if (l.progressive && large && l.count == 3 && MMDecodeBudget::canSpareExtra(l.coefficientBytes)
+        && streams.split(jpeg)) {
+        // Every scan covers the whole picture, so the two parts split by
+        // component: one reads luma's scans, the other chroma's. Each holds
+        // all the coefficients, hence only where memory is to spare.
+        l.streams = &streams;
+        bool chromaOk = false;
+        std::thread worker([&] {
+            {
+                Part p;
+                chromaOk = p.error.decompress(
+                    p.cinfo, [&] { return decodeRaw(p, l, l.iMcuRows, kChromaOnly, MMJpegScanSplitter::Chroma); });
+            }
+            // Luma's scans take longer to read: chroma's thread goes on
+            // with the chroma planes meanwhile.
+            if (chromaOk && chromaDone)
+                chromaDone(out);
+        });
+        Part p;
+        const bool lumaOk = p.error.decompress(
+            p.cinfo, [&] { return decodeRaw(p, l, l.iMcuRows, kLumaOnly, MMJpegScanSplitter::Luma); });
+        worker.join();
+        ok = lumaOk && chromaOk;
+    } else if (!large || l.progressive) {
         Part p;
         ok = p.error.decompress(p.cinfo, [&] { return decodeRaw(p, l, l.iMcuRows); });
     } else {
@@ -260,6 +327,5 @@ MMJpegPlaneDecoder::Result MMJpegPlaneDecoder::decode(const QByteArray &jpeg, co
     if (!ok)
         return Failed;
     padLuma(out);
-    *planes = std::move(out);
     return Decoded;
 }

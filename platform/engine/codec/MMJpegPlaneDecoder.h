@@ -2,12 +2,15 @@
 #include "MMOrientation.h"
 #include "MMYuvPlanes.h"
 #include <QByteArray>
+#include <functional>
 
-// Decodes a sequential YCbCr (or grey) JPEG into its sample planes, turned
-// or flipped on the way: no chroma upsampling and no colour conversion, so
-// a turn re-encoded from them keeps the file's own chroma samples. The
-// sampling turns with the planes (4:2:2 becomes 4:4:0 when the axes swap).
-// A large picture is decoded by two threads, each on its own run of rows.
+// Decodes a sequential or progressive YCbCr (or grey) JPEG into its sample
+// planes, turned or flipped on the way: no chroma upsampling and no colour
+// conversion, so a turn re-encoded from them keeps the file's own chroma
+// samples. The sampling turns with the planes (4:2:2 becomes 4:4:0 when the
+// axes swap). A large sequential picture is decoded by two threads, each on
+// its own run of rows; a large progressive one, where memory is to spare,
+// by two threads, one on luma's scans and one on chroma's.
 // Any libjpeg warning but "extraneous bytes" fails the decode, as damaged
 // data must not be saved as whole.
 class MMJpegPlaneDecoder
@@ -15,10 +18,17 @@ class MMJpegPlaneDecoder
 public:
     enum Result { Decoded, Unsuited, Failed };
 
-    // Unsuited (nothing decoded) when the stream is progressive or buffers
-    // the whole picture, is not 1-component grey or 3-component YCbCr with
+    // Unsuited (nothing decoded) when the stream is sequential but not
+    // interleaved (it buffers the whole picture), is not 1-component grey or 3-component YCbCr with
     // 4:4:4, 4:2:2, 4:2:0 or 4:4:0 sampling, or a side the orientation
     // reverses is not whole chroma samples (the turned chroma would be off
     // by a part of a sample). Failed on damage or when memory runs out.
-    static Result decode(const QByteArray &jpeg, const MMOrientation &orientation, MMYuvPlanes *planes);
+    //
+    // When luma and chroma are decoded apart, chromaDone is called on
+    // chroma's thread as soon as the Cb and Cr planes are whole, while Y is
+    // still being written: it must read only those two. planes is filled
+    // in place; after Failed it holds nothing of use.
+    using ChromaDone = std::function<void(const MMYuvPlanes &)>;
+    static Result decode(const QByteArray &jpeg, const MMOrientation &orientation, MMYuvPlanes *planes,
+                         const ChromaDone &chromaDone = ChromaDone());
 };

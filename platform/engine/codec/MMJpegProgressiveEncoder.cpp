@@ -1,9 +1,13 @@
 #include "MMJpegProgressiveEncoder.h"
 #include "MMJpegErrorJump.h"
+#include "MMYuvPlanes.h"
+#include <algorithm>
 #include <csetjmp>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <thread>
+#include <vector>
 // clang-format off
 #include <jpeglib.h>
 #include <turbojpeg.h>
@@ -33,14 +37,17 @@ const jpeg_scan_info kChromaScans[] = {
     { 1, { 2 }, 1, 63, 1, 0 },      { 1, { 1 }, 1, 63, 1, 0 },
 };
 
-// One encoder's state; nothing with a destructor, so that libjpeg may
-// longjmp out of the work on it.
+// One encoder's state. It outlives the frames a longjmp out of libjpeg
+// skips, so its buffers are freed however the encode ends.
 struct Encoder
 {
     jpeg_compress_struct cinfo;
     MMJpegErrorJump error;
     unsigned char *buffer = nullptr;
     unsigned long size = 0;
+    // Planes input: one iMCU row of each component, padded to whole blocks.
+    std::vector<unsigned char> band[3];
+    std::vector<JSAMPROW> rows[3];
 };
 
 void setSampling(jpeg_compress_struct &cinfo, int subsampling)
@@ -59,19 +66,9 @@ void setSampling(jpeg_compress_struct &cinfo, int subsampling)
         cinfo.comp_info[c].h_samp_factor = cinfo.comp_info[c].v_samp_factor = 1;
 }
 
-bool runEncoder(Encoder &e, const QImage &image, int quality, int subsampling, const jpeg_scan_info *scans, int count)
+// The settings every encoder of one picture shares, whatever it is fed.
+void configure(jpeg_compress_struct &cinfo, int quality, int subsampling, const jpeg_scan_info *scans, int count)
 {
-    jpeg_compress_struct &cinfo = e.cinfo;
-    jpeg_mem_dest(&cinfo, &e.buffer, &e.size);
-    cinfo.image_width = JDIMENSION(image.width());
-    cinfo.image_height = JDIMENSION(image.height());
-    const bool packed = image.format() == QImage::Format_RGB888;
-    cinfo.input_components = packed ? 3 : 4;
-#if Q_BYTE_ORDER == Q_LITTLE_ENDIAN
-    cinfo.in_color_space = packed ? JCS_EXT_RGB : JCS_EXT_BGRX;
-#else
-    cinfo.in_color_space = packed ? JCS_EXT_RGB : JCS_EXT_XRGB;
-#endif
     jpeg_set_defaults(&cinfo);
     jpeg_set_quality(&cinfo, quality, TRUE);
     setSampling(cinfo, subsampling);
@@ -80,19 +77,108 @@ bool runEncoder(Encoder &e, const QImage &image, int quality, int subsampling, c
     cinfo.optimize_coding = TRUE;
     cinfo.scan_info = scans;
     cinfo.num_scans = count;
-    jpeg_start_compress(&cinfo, TRUE);
-    JSAMPROW rows[kRowsPerCall];
-    while (cinfo.next_scanline < cinfo.image_height) {
-        const int n = qMin(kRowsPerCall, int(cinfo.image_height - cinfo.next_scanline));
-        for (int i = 0; i < n; ++i)
-            rows[i] = const_cast<JSAMPROW>(image.constScanLine(int(cinfo.next_scanline) + i));
-        jpeg_write_scanlines(&cinfo, rows, JDIMENSION(n));
-    }
-    jpeg_finish_compress(&cinfo);
-    return true;
 }
 
-bool encodeScans(Encoder &e, const QImage &image, int quality, int subsampling, const jpeg_scan_info *scans, int count)
+// Codes RGB pixels: libjpeg converts and downsamples them.
+struct PixelInput
+{
+    const QImage &image;
+
+    void run(jpeg_compress_struct &cinfo, Encoder &, int quality, int subsampling, const jpeg_scan_info *scans,
+             int count) const
+    {
+        cinfo.image_width = JDIMENSION(image.width());
+        cinfo.image_height = JDIMENSION(image.height());
+        const bool packed = image.format() == QImage::Format_RGB888;
+        cinfo.input_components = packed ? 3 : 4;
+#if Q_BYTE_ORDER == Q_LITTLE_ENDIAN
+        cinfo.in_color_space = packed ? JCS_EXT_RGB : JCS_EXT_BGRX;
+#else
+        cinfo.in_color_space = packed ? JCS_EXT_RGB : JCS_EXT_XRGB;
+#endif
+        configure(cinfo, quality, subsampling, scans, count);
+        jpeg_start_compress(&cinfo, TRUE);
+        JSAMPROW rows[kRowsPerCall];
+        while (cinfo.next_scanline < cinfo.image_height) {
+            const int n = qMin(kRowsPerCall, int(cinfo.image_height - cinfo.next_scanline));
+            for (int i = 0; i < n; ++i)
+                rows[i] = const_cast<JSAMPROW>(image.constScanLine(int(cinfo.next_scanline) + i));
+            jpeg_write_scanlines(&cinfo, rows, JDIMENSION(n));
+        }
+    }
+};
+
+// Codes sample planes as they are: no colour conversion or downsampling.
+// libjpeg reads whole blocks, so each iMCU row is copied into bands padded
+// with the planes' last column and row, as its own input stage pads.
+struct PlaneInput
+{
+    QSize picture;
+    const unsigned char *plane[3];
+    QSize size[3];
+
+    // All of planes, at their own sampling.
+    explicit PlaneInput(const MMYuvPlanes &planes) : picture(planes.size())
+    {
+        for (int c = 0; c < 3; ++c) {
+            plane[c] = planes.plane(c);
+            size[c] = planes.planeSize(c);
+        }
+    }
+    // Chroma alone as a picture of chroma's size, every component 1 x 1,
+    // the first a stand-in for luma (Cb again): the chroma components come
+    // out with the very blocks, and so the very scans, that they have in
+    // the whole picture, and no full-size luma is transformed for nothing.
+    static PlaneInput chroma(const MMYuvPlanes &planes)
+    {
+        PlaneInput input(planes);
+        input.picture = planes.planeSize(1);
+        input.plane[0] = input.plane[1];
+        input.size[0] = input.size[1];
+        return input;
+    }
+
+    void run(jpeg_compress_struct &cinfo, Encoder &e, int quality, int subsampling, const jpeg_scan_info *scans,
+             int count) const
+    {
+        cinfo.image_width = JDIMENSION(picture.width());
+        cinfo.image_height = JDIMENSION(picture.height());
+        cinfo.input_components = 3;
+        cinfo.in_color_space = JCS_YCbCr;
+        configure(cinfo, quality, subsampling, scans, count);
+        cinfo.raw_data_in = TRUE;
+        jpeg_start_compress(&cinfo, TRUE);
+        const int vMax = cinfo.max_v_samp_factor;
+        for (int c = 0; c < 3; ++c) {
+            const size_t stride = size_t(cinfo.comp_info[c].width_in_blocks) * DCTSIZE;
+            const int rows = cinfo.comp_info[c].v_samp_factor * DCTSIZE;
+            e.band[c].resize(stride * size_t(rows));
+            e.rows[c].resize(size_t(rows));
+            for (int r = 0; r < rows; ++r)
+                e.rows[c][size_t(r)] = e.band[c].data() + size_t(r) * stride;
+        }
+        for (JDIMENSION row = 0; row < cinfo.image_height; row += JDIMENSION(vMax * DCTSIZE)) {
+            JSAMPARRAY bands[3];
+            for (int c = 0; c < 3; ++c) {
+                const int rows = cinfo.comp_info[c].v_samp_factor * DCTSIZE;
+                const int first = int(row) / (vMax / cinfo.comp_info[c].v_samp_factor);
+                const size_t stride = e.band[c].size() / size_t(rows);
+                const size_t width = size_t(size[c].width());
+                for (int r = 0; r < rows; ++r) {
+                    const unsigned char *src = plane[c] + size_t(std::min(first + r, size[c].height() - 1)) * width;
+                    unsigned char *dst = e.rows[c][size_t(r)];
+                    std::memcpy(dst, src, width);
+                    std::memset(dst + width, src[width - 1], stride - width);
+                }
+                bands[c] = e.rows[c].data();
+            }
+            jpeg_write_raw_data(&cinfo, bands, JDIMENSION(vMax * DCTSIZE));
+        }
+    }
+};
+
+template <class Input>
+bool encodeScans(Encoder &e, const Input &input, int quality, int subsampling, const jpeg_scan_info *scans, int count)
 {
     e.error.install(reinterpret_cast<j_common_ptr>(&e.cinfo), quiet);
     jpeg_create_compress(&e.cinfo);
@@ -100,9 +186,11 @@ bool encodeScans(Encoder &e, const QImage &image, int quality, int subsampling, 
         jpeg_destroy_compress(&e.cinfo);
         return false;
     }
-    const bool ok = runEncoder(e, image, quality, subsampling, scans, count);
+    jpeg_mem_dest(&e.cinfo, &e.buffer, &e.size);
+    input.run(e.cinfo, e, quality, subsampling, scans, count);
+    jpeg_finish_compress(&e.cinfo);
     jpeg_destroy_compress(&e.cinfo);
-    return ok;
+    return true;
 }
 
 // Where the marker after the first scan's entropy-coded data starts; -1
@@ -121,6 +209,52 @@ qsizetype afterFirstScan(const unsigned char *b, qsizetype n)
     }
     return -1;
 }
+
+bool codedWhole(const Encoder &e)
+{
+    return e.size > 4 && e.buffer[e.size - 2] == 0xFF && e.buffer[e.size - 1] == 0xD9;
+}
+
+// Codes the chroma group of scans; the scans after its own DC scan (the
+// part a joined stream takes) when done, else empty.
+template <class Input> QByteArray codeChroma(const Input &input, int quality, int subsampling)
+{
+    Encoder chroma;
+    QByteArray out;
+    if (encodeScans(chroma, input, quality, subsampling, kChromaScans, int(std::size(kChromaScans)))
+        && codedWhole(chroma)) {
+        const qsizetype from = afterFirstScan(chroma.buffer, qsizetype(chroma.size));
+        if (from > 0)
+            out = QByteArray(reinterpret_cast<const char *>(chroma.buffer) + from, qsizetype(chroma.size) - from);
+    }
+    std::free(chroma.buffer);
+    return out;
+}
+
+// Codes input's luma scans while chroma() gives the chroma ones (coded on
+// another thread) and joins them.
+template <class Input, class Chroma>
+QByteArray encodeJoined(const Input &input, int quality, int subsampling, Chroma chroma)
+{
+    Encoder luma;
+    const bool lumaOk = encodeScans(luma, input, quality, subsampling, kLumaScans, int(std::size(kLumaScans)));
+    const QByteArray tail = chroma();
+    QByteArray out;
+    if (lumaOk && codedWhole(luma) && !tail.isEmpty()) {
+        out.reserve(qsizetype(luma.size) - 2 + tail.size());
+        out.append(reinterpret_cast<const char *>(luma.buffer), qsizetype(luma.size) - 2);
+        out.append(tail);
+    }
+    std::free(luma.buffer);
+    return out;
+}
+
+bool suits(const MMYuvPlanes &planes)
+{
+    return !planes.isNull() && planes.count() == 3
+        && qint64(planes.size().width()) * planes.size().height() >= kSplitPixels
+        && std::thread::hardware_concurrency() >= 2;
+}
 }
 
 QByteArray MMJpegProgressiveEncoder::encode(const QImage &image, int quality, int subsampling)
@@ -129,24 +263,33 @@ QByteArray MMJpegProgressiveEncoder::encode(const QImage &image, int quality, in
         || qint64(image.width()) * image.height() < kSplitPixels || std::thread::hardware_concurrency() < 2
         || subsampling == TJSAMP_GRAY)
         return QByteArray();
-    Encoder luma, chroma;
-    bool chromaOk = false;
-    std::thread helper([&] {
-        chromaOk = encodeScans(chroma, image, quality, subsampling, kChromaScans, int(std::size(kChromaScans)));
+    const PixelInput input{ image };
+    QByteArray chroma;
+    std::thread helper([&] { chroma = codeChroma(input, quality, subsampling); });
+    return encodeJoined(input, quality, subsampling, [&] {
+        helper.join();
+        return chroma;
     });
-    const bool lumaOk = encodeScans(luma, image, quality, subsampling, kLumaScans, int(std::size(kLumaScans)));
-    helper.join();
+}
 
-    QByteArray out;
-    const qsizetype from = chromaOk ? afterFirstScan(chroma.buffer, qsizetype(chroma.size)) : -1;
-    if (lumaOk && from > 0 && luma.size > 4 && chroma.buffer[chroma.size - 2] == 0xFF
-        && chroma.buffer[chroma.size - 1] == 0xD9 && luma.buffer[luma.size - 2] == 0xFF
-        && luma.buffer[luma.size - 1] == 0xD9) {
-        out.reserve(qsizetype(luma.size + chroma.size) - from);
-        out.append(reinterpret_cast<const char *>(luma.buffer), qsizetype(luma.size) - 2);
-        out.append(reinterpret_cast<const char *>(chroma.buffer) + from, qsizetype(chroma.size) - from);
-    }
-    std::free(luma.buffer);
-    std::free(chroma.buffer);
-    return out;
+QByteArray MMJpegProgressiveEncoder::encode(const MMYuvPlanes &planes, int quality,
+                                            const std::function<QByteArray()> &chromaScans)
+{
+    if (!suits(planes))
+        return QByteArray();
+    if (chromaScans)
+        return encodeJoined(PlaneInput(planes), quality, int(planes.subsampling()), chromaScans);
+    QByteArray chroma;
+    std::thread helper([&] { chroma = MMJpegProgressiveEncoder::chromaScans(planes, quality); });
+    return encodeJoined(PlaneInput(planes), quality, int(planes.subsampling()), [&] {
+        helper.join();
+        return chroma;
+    });
+}
+
+QByteArray MMJpegProgressiveEncoder::chromaScans(const MMYuvPlanes &planes, int quality)
+{
+    if (!suits(planes))
+        return QByteArray();
+    return codeChroma(PlaneInput::chroma(planes), quality, TJSAMP_444);
 }

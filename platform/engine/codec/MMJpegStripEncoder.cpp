@@ -84,6 +84,7 @@ struct Planes
 {
     const MMYuvPlanes *planes;
     int quality;
+    int flags = 0;
 };
 
 int codePlanes(const void *source, tjhandle tj, int top, int rows, unsigned char **buffer, unsigned long *size)
@@ -100,7 +101,7 @@ int codePlanes(const void *source, tjhandle tj, int top, int rows, unsigned char
         strides[i] = stride;
     }
     return tjCompressFromYUVPlanes(tj, planes, yuv.size().width(), strides, rows, int(yuv.subsampling()), buffer, size,
-                                   p.quality, 0);
+                                   p.quality, p.flags);
 }
 }
 
@@ -117,11 +118,19 @@ QByteArray MMJpegStripEncoder::encode(const MMYuvPlanes &planes, int quality)
 {
     if (planes.isNull())
         return QByteArray();
-    const Planes source{ &planes, quality };
     const QSize size = planes.size();
-    QByteArray joined = encodeStrips(size.width(), size.height(), int(planes.subsampling()), &source, codePlanes);
-    if (!joined.isEmpty())
-        return joined;
+    const Planes source{ &planes, quality };
+    const QByteArray joined = encodeStrips(size.width(), size.height(), int(planes.subsampling()), &source, codePlanes);
+    return joined.isEmpty() ? encodeWhole(planes, quality, false) : joined;
+}
+
+QByteArray MMJpegStripEncoder::encodeWhole(const MMYuvPlanes &planes, int quality, bool progressive)
+{
+    if (planes.isNull())
+        return QByteArray();
+    const Planes source{ &planes, quality, progressive ? TJFLAG_PROGRESSIVE : 0 };
+    const QSize size = planes.size();
+    QByteArray joined;
     tjhandle tj = tjInitCompress();
     if (!tj)
         return QByteArray();

@@ -19,4 +19,6 @@ public:
     // Sample planes, coded at their own subsampling: in strips when large
     // enough, else in one piece. Empty on failure.
     static QByteArray encode(const MMYuvPlanes &planes, int quality);
+    // Sample planes in one piece, baseline or progressive. Empty on failure.
+    static QByteArray encodeWhole(const MMYuvPlanes &planes, int quality, bool progressive);
 };

@@ -9,12 +9,14 @@
 #include "MMImageWriter.h"
 #include "MMJpegCodec.h"
 #include "MMJpegPlaneDecoder.h"
+#include "MMJpegProgressiveEncoder.h"
 #include "MMJpegRegionDecoder.h"
 #include "MMMetadata.h"
 #include "MMMirrorCommand.h"
 #include "MMRotateCommand.h"
 #include "MMYuvPlanes.h"
 #include <QFile>
+#include <future>
 #include <sys/stat.h>
 
 namespace {
@@ -106,26 +108,50 @@ MMEncodeOptions encodeOptions(const MMImageHeader &header, const QByteArray &for
 // Below this many pixels decoding to RGB is as quick as to planes.
 const qint64 kPlanesPixels = 1 << 20;
 
-// A large sequential JPEG only turned or flipped is turned in its own YCbCr
-// planes and re-encoded from them: no colour conversion or chroma
-// resampling either way, a smaller frame, and the file's own chroma kept.
-// -1 on failure, 1 when the stream does not suit (nothing done).
+// A large JPEG only turned or flipped is turned in its own YCbCr planes and
+// re-encoded from them: no colour conversion or chroma resampling either
+// way, a smaller frame, and the file's own chroma kept. A progressive one
+// is re-encoded progressive. -1 on failure, 1 when the stream does not suit
+// (nothing done).
 int runPlanes(QByteArray &source, const QString &out, const MMImageHeader &header,
               const MMEditPlanner::Plan &plan, const MMEncodeOptions &options)
 {
     const QSize stored = header.storedSize();
     if (!plan.rest.empty() || plan.resizeTo.isValid() || plan.scaleDenom != 1
         || plan.decodeRect != QRect(QPoint(0, 0), stored) || qint64(stored.width()) * stored.height() < kPlanesPixels
-        || header.jpeg().buffersWholePicture())
+        || (header.jpeg().buffersWholePicture() && !(header.jpeg().isProgressive() && options.jpegProgressive)))
         return 1;
     MMYuvPlanes planes;
-    switch (MMJpegPlaneDecoder::decode(source, plan.orientation, &planes)) {
-    case MMJpegPlaneDecoder::Unsuited: return 1;
-    case MMJpegPlaneDecoder::Failed: return -1;
-    case MMJpegPlaneDecoder::Decoded: break;
+    // A progressive picture decoded as luma and chroma apart has its chroma
+    // whole well before luma: chroma's scans are coded from then on, while
+    // luma is still decoded and then coded.
+    std::promise<bool> chromaWhole;
+    bool signalled = false;
+    std::future<QByteArray> chroma;
+    MMJpegPlaneDecoder::ChromaDone chromaDone;
+    if (options.jpegProgressive) {
+        chroma = std::async(std::launch::async, [&planes, &options, whole = chromaWhole.get_future()]() mutable {
+            return whole.get() ? MMJpegProgressiveEncoder::chromaScans(planes, qBound(1, options.jpegQuality, 100))
+                               : QByteArray();
+        });
+        chromaDone = [&](const MMYuvPlanes &) {
+            signalled = true;
+            chromaWhole.set_value(true);
+        };
+    }
+    const MMJpegPlaneDecoder::Result result = MMJpegPlaneDecoder::decode(source, plan.orientation, &planes, chromaDone);
+    if (chroma.valid() && !signalled)
+        chromaWhole.set_value(false);
+    if (result != MMJpegPlaneDecoder::Decoded) {
+        if (chroma.valid())
+            chroma.wait(); // it may be reading the planes
+        return result == MMJpegPlaneDecoder::Unsuited ? 1 : -1;
     }
     source = QByteArray(); // not held through the encode
-    return MMImageWriter::write(planes, out, options);
+    std::function<QByteArray()> chromaScans;
+    if (signalled)
+        chromaScans = [&chroma] { return chroma.get(); };
+    return MMImageWriter::write(planes, out, options, chromaScans);
 }
 
 // Replays a plan on a 1- or 3-component JPEG: only the needed part is

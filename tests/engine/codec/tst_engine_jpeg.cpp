@@ -7,6 +7,7 @@
 #include "MMJpegCodec.h"
 #include "MMJpegHeader.h"
 #include "MMJpegPlaneDecoder.h"
+#include "MMJpegProgressiveEncoder.h"
 #include "MMJpegRegionDecoder.h"
 #include "requiretool.h"
 #include <QTemporaryDir>
@@ -428,10 +429,15 @@ private slots:
         QTest::newRow("4:2:2 upright") << "-sample 2x1" << QSize(1280, 1030) << 1 << int(MMJpegHeader::Sub422);
         QTest::newRow("grey upside down") << "-grayscale" << QSize(1111, 999) << 3 << int(MMJpegHeader::SubGray);
         QTest::newRow("4:2:0 transposed, one part") << "-sample 2x2" << QSize(301, 203) << 5 << int(MMJpegHeader::Sub420);
-        // A reversed side ending in half a chroma sample; progressive.
+        // Progressive: luma's and chroma's scans decoded apart.
+        QTest::newRow("progressive 4:2:2 turned right, odd height") << "-sample 2x1 -progressive" << QSize(1283, 1021) << 6 << int(MMJpegHeader::Sub440);
+        QTest::newRow("progressive 4:2:0 transverse") << "-sample 2x2 -progressive" << QSize(1290, 1022) << 7 << int(MMJpegHeader::Sub420);
+        QTest::newRow("progressive 4:4:4 upright") << "-sample 1x1 -progressive" << QSize(1100, 1001) << 1 << int(MMJpegHeader::Sub444);
+        QTest::newRow("progressive grey turned left") << "-grayscale -progressive" << QSize(1111, 999) << 8 << int(MMJpegHeader::SubGray);
+        // A reversed side ending in half a chroma sample.
         QTest::newRow("4:2:0 half turn, odd width") << "-sample 2x2" << QSize(1281, 1024) << 3 << -1;
         QTest::newRow("4:2:2 turned left, odd width") << "-sample 2x1" << QSize(1281, 1024) << 8 << -1;
-        QTest::newRow("progressive") << "-sample 2x2 -progressive" << QSize(1280, 1024) << 6 << -1;
+        QTest::newRow("progressive 4:2:2 turned left, odd width") << "-sample 2x1 -progressive" << QSize(1281, 1024) << 8 << -1;
     }
 
     // The turned planes hold exactly the samples of TurboJPEG's raw decode of
@@ -446,8 +452,15 @@ private slots:
         QVERIFY(!data.isEmpty());
         const MMOrientation turn = MMOrientation::fromExif(orientation);
         MMYuvPlanes planes;
+        // What the chroma planes hold when they are announced as whole.
+        std::vector<QImage> early;
+        const auto chromaDone = [&early](const MMYuvPlanes &p) {
+            for (int i = 1; i < 3; ++i)
+                early.push_back(QImage(p.plane(i), p.planeSize(i).width(), p.planeSize(i).height(),
+                                       p.planeSize(i).width(), QImage::Format_Grayscale8).copy());
+        };
 
-        const MMJpegPlaneDecoder::Result result = MMJpegPlaneDecoder::decode(data, turn, &planes);
+        const MMJpegPlaneDecoder::Result result = MMJpegPlaneDecoder::decode(data, turn, &planes, chromaDone);
 
         if (turned < 0) {
             QCOMPARE(result, MMJpegPlaneDecoder::Unsuited);
@@ -467,31 +480,50 @@ private slots:
             const QRect kept = i == 0 ? QRect(QPoint(0, 0), planes.size()) : ours.rect();
             QCOMPARE(ours.copy(kept), expected.copy(kept));
             QCOMPARE(ours.pixel(ours.rect().bottomRight()), ours.pixel(kept.bottomRight()));
+            if (i > 0 && !early.empty())
+                QCOMPARE(early[size_t(i - 1)], expected);
         }
     }
 
     void planeDecodeRefusesDamage_data()
     {
-        QTest::addColumn<double>("at"); // where in the coded data, as a share of it
+        QTest::addColumn<QString>("colour");
+        QTest::addColumn<int>("component"); // whose first AC scan is hit; -1: any scan
+        QTest::addColumn<double>("at"); // where in the coded data (or that scan's), as a share of it
         QTest::addColumn<bool>("cut");
-        QTest::newRow("damage in the first part's rows") << 0.1 << false;
-        QTest::newRow("damage in the second part's rows only") << 0.95 << false;
-        QTest::newRow("cut short") << 0.5 << true;
+        QTest::newRow("damage in the first part's rows") << "-sample 2x1" << -1 << 0.1 << false;
+        QTest::newRow("damage in the second part's rows only") << "-sample 2x1" << -1 << 0.95 << false;
+        QTest::newRow("cut short") << "-sample 2x1" << -1 << 0.5 << true;
+        QTest::newRow("progressive, damage in a luma scan") << "-sample 2x1 -progressive" << 0 << 0.5 << false;
+        QTest::newRow("progressive, damage in a chroma scan") << "-sample 2x1 -progressive" << 2 << 0.5 << false;
+        QTest::newRow("progressive, cut short") << "-sample 2x1 -progressive" << -1 << 0.7 << true;
     }
 
     // Damage that either part reads fails the decode and the save, whichever
-    // part reads it (the second reads the first's rows only to skip them).
+    // part reads it (the second of a sequential stream reads the first's
+    // rows only to skip them; a progressive one's parts read luma's scans
+    // and chroma's).
     void planeDecodeRefusesDamage()
     {
+        QFETCH(QString, colour);
+        QFETCH(int, component);
         QFETCH(double, at);
         QFETCH(bool, cut);
-        const QString in = makeJpeg(detailedPhoto(QSize(1283, 1021)), "planes-damaged.jpg", 90, { "-sample", "2x1" });
+        const QString in = makeJpeg(detailedPhoto(QSize(1283, 1021)), "planes-damaged.jpg", 90, colour.split(' '));
         QByteArray data = bytes(in);
         MMYuvPlanes planes;
         QCOMPARE(MMJpegPlaneDecoder::decode(data, MMOrientation::rotation(90), &planes), MMJpegPlaneDecoder::Decoded);
-        const qsizetype scan = data.indexOf("\xFF\xDA");
-        QVERIFY(scan > 0);
-        const qsizetype where = scan + 20 + qsizetype(at * double(data.size() - scan - 22));
+        qsizetype scan = data.indexOf("\xFF\xDA"), end = data.size() - 2;
+        for (; component >= 0 && scan > 0; scan = data.indexOf("\xFF\xDA", scan + 2)) {
+            // One component (selector 1 + its index), AC coefficients.
+            const auto *b = reinterpret_cast<const unsigned char *>(data.constData()) + scan;
+            if (b[4] == 1 && b[5] == 1 + component && b[8] > 0) {
+                end = data.indexOf("\xFF\xC4", scan + 2);
+                break;
+            }
+        }
+        QVERIFY(scan > 0 && end > scan + 40);
+        const qsizetype where = scan + 20 + qsizetype(at * double(end - scan - 20));
         if (cut) {
             data.truncate(where);
         } else {
@@ -507,6 +539,59 @@ private slots:
         QVERIFY(!QFile::exists(out));
     }
 
+    void progressivePlaneEncodeEqualsOnePiece_data()
+    {
+        QTest::addColumn<QString>("colour");
+        QTest::addColumn<QSize>("size");
+        QTest::addColumn<int>("orientation");
+        QTest::addColumn<int>("quality");
+        QTest::newRow("4:4:0, odd sides, fast DCT") << "-sample 2x1" << QSize(1283, 1021) << 6 << 90;
+        QTest::newRow("4:2:0, accurate DCT") << "-sample 2x2" << QSize(1290, 1022) << 1 << 97;
+        QTest::newRow("4:4:4, odd sides") << "-sample 1x1" << QSize(1101, 1003) << 8 << 85;
+        QTest::newRow("4:2:2, odd width") << "-sample 2x1" << QSize(1281, 1024) << 1 << 100;
+    }
+
+    // Luma's and chroma's scans coded apart (chroma as a picture of its own)
+    // and joined make the coefficients of TurboJPEG's one-piece progressive
+    // encode of the same planes: their raw decodes are the same.
+    void progressivePlaneEncodeEqualsOnePiece()
+    {
+        QFETCH(QString, colour);
+        QFETCH(QSize, size);
+        QFETCH(int, orientation);
+        QFETCH(int, quality);
+        const QByteArray source = bytes(makeJpeg(detailedPhoto(size), "planes-encode.jpg", 95, colour.split(' ')));
+        MMYuvPlanes planes;
+        QCOMPARE(MMJpegPlaneDecoder::decode(source, MMOrientation::fromExif(orientation), &planes),
+                 MMJpegPlaneDecoder::Decoded);
+
+        const QByteArray ours = MMJpegProgressiveEncoder::encode(planes, quality);
+
+        QVERIFY(ours.contains("\xFF\xC2"));
+        tjhandle tj = tjInitCompress();
+        const unsigned char *pointers[3];
+        int strides[3];
+        for (int i = 0; i < 3; ++i) {
+            pointers[i] = planes.plane(i);
+            strides[i] = planes.planeSize(i).width();
+        }
+        unsigned char *buffer = nullptr;
+        unsigned long length = 0;
+        // The DCT the encoder picks for this quality.
+        const int flags = TJFLAG_PROGRESSIVE | (quality >= 96 ? TJFLAG_ACCURATEDCT : TJFLAG_FASTDCT);
+        QCOMPARE(tjCompressFromYUVPlanes(tj, pointers, planes.size().width(), strides, planes.size().height(),
+                                         int(planes.subsampling()), &buffer, &length, quality, flags),
+                 0);
+        const QByteArray theirs(reinterpret_cast<const char *>(buffer), int(length));
+        tjFree(buffer);
+        tjDestroy(tj);
+        const std::vector<QImage> a = rawPlanes(ours), b = rawPlanes(theirs);
+        QCOMPARE(int(a.size()), 3);
+        QCOMPARE(int(b.size()), 3);
+        for (int i = 0; i < 3; ++i)
+            QCOMPARE(a[size_t(i)], b[size_t(i)]);
+    }
+
     void planeSaveEqualsReferenceTurn_data()
     {
         QTest::addColumn<QString>("colour");
@@ -519,6 +604,9 @@ private slots:
         QTest::newRow("4:2:0 turned left") << "-sample 2x2" << QSize(1290, 1022) << 1 << "r-90" << int(MMJpegHeader::Sub420) << 42.0;
         QTest::newRow("stored on its side, then mirrored") << "-sample 2x1" << QSize(1283, 1021) << 6 << "mh" << int(MMJpegHeader::Sub440) << 42.0;
         QTest::newRow("grey half turn") << "-grayscale" << QSize(1111, 999) << 1 << "r180" << int(MMJpegHeader::SubGray) << 42.0;
+        QTest::newRow("progressive 4:2:2 turned right") << "-sample 2x1 -progressive" << QSize(1283, 1021) << 1 << "r90" << int(MMJpegHeader::Sub440) << 42.0;
+        QTest::newRow("progressive 4:2:0 stored on its side, flipped") << "-sample 2x2 -progressive" << QSize(1290, 1022) << 8 << "mv" << int(MMJpegHeader::Sub420) << 42.0;
+        QTest::newRow("progressive grey turned left") << "-grayscale -progressive" << QSize(1111, 999) << 1 << "r-90" << int(MMJpegHeader::SubGray) << 42.0;
         // Half a chroma sample at a reversed side: decoded to RGB as before,
         // its chroma subsampled anew across the checkerboard's edges.
         QTest::newRow("4:2:0 odd width turned left") << "-sample 2x2" << QSize(1283, 1024) << 1 << "r-90" << int(MMJpegHeader::Sub420) << 30.0;
@@ -550,6 +638,7 @@ private slots:
         MMJpegHeader header;
         QVERIFY(header.read(file));
         QCOMPARE(int(header.subsampling()), sampling);
+        QCOMPARE(header.isProgressive(), colour.contains("-progressive"));
         const QImage saved = djpeg(out);
         QCOMPARE(saved.size(), expected.size());
         int worst = 0;
