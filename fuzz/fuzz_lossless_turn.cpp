@@ -9,56 +9,35 @@
 #include <vector>
 
 namespace {
-void failOnWarning(j_common_ptr cinfo, int level)
-{
-    if (level < 0)
-        MMJpegErrorJump::onError(cinfo);
-}
-
 struct Coefficients
 {
     int width = 0, height = 0;
     std::vector<JCOEF> values; // every component's blocks, in order
 };
 
-struct Reader
+bool coefficientsOf(const QByteArray &jpeg, Coefficients &out)
 {
     jpeg_decompress_struct cinfo;
     MMJpegErrorJump error;
-};
-
-// Nothing with a destructor lives here: errors jump out of it.
-bool readInto(Reader &r, const QByteArray &jpeg, Coefficients &out)
-{
-    jpeg_mem_src(&r.cinfo, reinterpret_cast<const unsigned char *>(jpeg.constData()), (unsigned long)jpeg.size());
-    if (jpeg_read_header(&r.cinfo, TRUE) != JPEG_HEADER_OK)
-        return false;
-    jvirt_barray_ptr *arrays = jpeg_read_coefficients(&r.cinfo);
-    out.width = int(r.cinfo.image_width);
-    out.height = int(r.cinfo.image_height);
-    for (int ci = 0; ci < r.cinfo.num_components; ++ci) {
-        const jpeg_component_info &c = r.cinfo.comp_info[ci];
-        for (JDIMENSION y = 0; y < c.height_in_blocks; ++y) {
-            JBLOCKARRAY row = (*r.cinfo.mem->access_virt_barray)(reinterpret_cast<j_common_ptr>(&r.cinfo), arrays[ci],
-                                                                 y, 1, FALSE);
-            for (JDIMENSION x = 0; x < c.width_in_blocks; ++x)
-                out.values.insert(out.values.end(), row[0][x], row[0][x] + DCTSIZE2);
+    return error.decompress(cinfo, [&] {
+        jpeg_mem_src(&cinfo, reinterpret_cast<const unsigned char *>(jpeg.constData()), (unsigned long)jpeg.size());
+        if (jpeg_read_header(&cinfo, TRUE) != JPEG_HEADER_OK)
+            return false;
+        jvirt_barray_ptr *arrays = jpeg_read_coefficients(&cinfo);
+        out.width = int(cinfo.image_width);
+        out.height = int(cinfo.image_height);
+        for (int ci = 0; ci < cinfo.num_components; ++ci) {
+            const jpeg_component_info &c = cinfo.comp_info[ci];
+            for (JDIMENSION y = 0; y < c.height_in_blocks; ++y) {
+                JBLOCKARRAY row = (*cinfo.mem->access_virt_barray)(reinterpret_cast<j_common_ptr>(&cinfo), arrays[ci],
+                                                                   y, 1, FALSE);
+                for (JDIMENSION x = 0; x < c.width_in_blocks; ++x)
+                    out.values.insert(out.values.end(), row[0][x], row[0][x] + DCTSIZE2);
+            }
         }
-    }
-    jpeg_finish_decompress(&r.cinfo);
-    return true;
-}
-
-bool coefficientsOf(const QByteArray &jpeg, Coefficients &out)
-{
-    Reader r;
-    r.error.install(reinterpret_cast<j_common_ptr>(&r.cinfo), failOnWarning);
-    jpeg_create_decompress(&r.cinfo);
-    bool ok = false;
-    if (!setjmp(r.error.jump))
-        ok = readInto(r, jpeg, out);
-    jpeg_destroy_decompress(&r.cinfo);
-    return ok;
+        jpeg_finish_decompress(&cinfo);
+        return true;
+    });
 }
 }
 

@@ -36,6 +36,14 @@ struct MMJpegErrorJump
             onError(cinfo);
     }
 
+    // Every warning fails, stray bytes too: what a lossless transform
+    // copies must be exactly what the file holds.
+    static void onWarning(j_common_ptr cinfo, int level)
+    {
+        if (level < 0)
+            onError(cinfo);
+    }
+
     // Runs body on cinfo, a fresh decompressor failing on damage (onDamage);
     // false when body does or libjpeg gives up. body must not own anything a
     // longjmp out of it would leak.

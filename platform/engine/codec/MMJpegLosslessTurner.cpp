@@ -18,12 +18,6 @@ namespace {
 // Below this many pixels a second thread is not worth its start.
 const long long kSplitPixels = 1 << 20;
 
-void failOnWarning(j_common_ptr cinfo, int level)
-{
-    if (level < 0)
-        MMJpegErrorJump::onError(cinfo);
-}
-
 bool startsWith(const jpeg_saved_marker_ptr m, int marker, const char *tag, unsigned length)
 {
     return m->marker == marker && m->data_length >= length && std::memcmp(m->data, tag, length) == 0;
@@ -181,7 +175,7 @@ bool setUp(Strip &s, const Job &job, jpeg_decompress_struct &src, size_t estimat
     if (!s.data)
         return false;
     s.rows.resize(job.components.size());
-    s.error.install(reinterpret_cast<j_common_ptr>(&s.cinfo), failOnWarning);
+    s.error.install(reinterpret_cast<j_common_ptr>(&s.cinfo), MMJpegErrorJump::onWarning);
     jpeg_create_compress(&s.cinfo);
     s.created = true;
     s.cinfo.client_data = &s;
@@ -442,7 +436,7 @@ QByteArray MMJpegLosslessTurner::transform(const QByteArray &jpeg, const MMOrien
         return QByteArray();
     Work w;
     w.job.keepMarkers = keepMarkers;
-    w.error.install(reinterpret_cast<j_common_ptr>(&w.cinfo), failOnWarning);
+    w.error.install(reinterpret_cast<j_common_ptr>(&w.cinfo), MMJpegErrorJump::onWarning);
     jpeg_create_decompress(&w.cinfo);
     if (setjmp(w.error.jump)) {
         if (damaged)
