@@ -1,6 +1,7 @@
 #include "MMJpegLosslessTurner.h"
 #include "MMJpegErrorJump.h"
 #include "MMJpegStripJoiner.h"
+#include "MMPagePopulator.h"
 #include <algorithm>
 #include <array>
 #include <atomic>
@@ -185,15 +186,44 @@ bool setUp(Strip &s, const Job &job, jpeg_decompress_struct &src, size_t estimat
     return true;
 }
 
-// The arrays are written for the first time long before they are filled,
-// on the core the decode leaves free, so that filling them finds them
-// already in memory.
-void touch(const std::vector<std::unique_ptr<Strip>> &strips, const Job &job)
+// A stretch of coefficient memory, rows that lie end to end.
+struct Run
 {
-    for (const auto &s : strips)
+    char *begin;
+    size_t bytes;
+};
+
+void addRuns(std::vector<Run> &runs, const JBLOCKROW *rows, int count, int blocksPerRow)
+{
+    const size_t bytes = size_t(blocksPerRow) * sizeof(JBLOCK);
+    for (int r = 0; r < count; ++r) {
+        char *row = reinterpret_cast<char *>(rows[r]);
+        if (!runs.empty() && runs.back().begin + runs.back().bytes == row)
+            runs.back().bytes += bytes;
+        else
+            runs.push_back({ row, bytes });
+    }
+}
+
+// The decoder's arrays are mapped in ahead of its pass down them, a slice
+// of each at a time as it interleaves them, and the strips' arrays after
+// them: all on the core the decode leaves free, so that neither the decode
+// nor the encode of the strips takes a page fault.
+void warm(std::vector<Run> source, const std::vector<std::unique_ptr<Strip>> &strips, const Job &job)
+{
+    const int slices = 16;
+    for (int i = 0; i < slices; ++i)
+        for (const Run &run : source) {
+            const size_t from = run.bytes * size_t(i) / slices, to = run.bytes * size_t(i + 1) / slices;
+            MMPagePopulator::populate(run.begin + from, to - from);
+        }
+    for (const auto &s : strips) {
+        std::vector<Run> runs;
         for (size_t ci = 0; ci < job.components.size(); ++ci)
-            for (int r = 0; r < s->count * job.components[ci].vSamp; ++r)
-                std::memset(s->rows[ci][r], 0, size_t(job.components[ci].width) * sizeof(JBLOCK));
+            addRuns(runs, s->rows[ci].data(), s->count * job.components[ci].vSamp, job.components[ci].width);
+        for (const Run &run : runs)
+            MMPagePopulator::populateOrClear(run.begin, run.bytes);
+    }
 }
 
 // Turns one block; false when it holds a coefficient that 8-bit sequential
@@ -339,6 +369,15 @@ int stripCount(const Job &job, long long *interval)
     return 1;
 }
 
+// A coefficient array the decoder asked for.
+struct SourceArray
+{
+    jvirt_barray_ptr array;
+    int blocksPerRow, rows;
+    bool zeroed; // libjpeg clears its rows on first access
+    JBLOCKARRAY placed = nullptr; // all its rows, once libjpeg placed them
+};
+
 // Everything one turn holds. It lives in transform()'s frame, which a
 // longjmp from the source's decoder returns to, never jumps over.
 struct Work
@@ -351,6 +390,10 @@ struct Work
     long long interval = 0;
     QByteArray result;
     bool damaged = false;
+    // The decoder's memory methods, which warmArrays wraps.
+    decltype(jpeg_memory_mgr::request_virt_barray) request = nullptr;
+    decltype(jpeg_memory_mgr::realize_virt_arrays) realize = nullptr;
+    std::vector<SourceArray> sourceArrays;
     ~Work()
     {
         if (toucher.joinable())
@@ -359,6 +402,65 @@ struct Work
         jpeg_destroy_decompress(&cinfo);
     }
 };
+
+Work *workOf(j_common_ptr cinfo)
+{
+    return static_cast<Work *>(cinfo->client_data);
+}
+
+jvirt_barray_ptr requestSource(j_common_ptr cinfo, int pool, boolean zeroed, JDIMENSION blocksPerRow,
+                               JDIMENSION rows, JDIMENSION maxAccess)
+{
+    Work *w = workOf(cinfo);
+    jvirt_barray_ptr array = w->request(cinfo, pool, zeroed, blocksPerRow, rows, maxAccess);
+    // Room was made beforehand: nothing may throw through libjpeg.
+    if (w->sourceArrays.size() < w->sourceArrays.capacity())
+        w->sourceArrays.push_back({ array, int(blocksPerRow), int(rows), zeroed != FALSE });
+    return array;
+}
+
+// Once libjpeg has placed the decoder's arrays, and before it decodes into
+// them, the toucher starts mapping them in. Reading a row of an array that
+// libjpeg clears changes nothing but clearing that row early; the rows of
+// an array held whole in memory lie in one list, which the first and last
+// row's addresses prove.
+void realizeSource(j_common_ptr cinfo)
+{
+    Work *w = workOf(cinfo);
+    w->realize(cinfo);
+    // libjpeg may jump out of these calls: nothing here owns memory yet.
+    for (SourceArray &a : w->sourceArrays) {
+        if (!a.zeroed || a.rows < 1)
+            continue;
+        JBLOCKARRAY first = cinfo->mem->access_virt_barray(cinfo, a.array, 0, 1, FALSE);
+        JBLOCKARRAY last = cinfo->mem->access_virt_barray(cinfo, a.array, JDIMENSION(a.rows - 1), 1, FALSE);
+        if (last == first + (a.rows - 1))
+            a.placed = first;
+    }
+    try {
+        std::vector<Run> source;
+        for (const SourceArray &a : w->sourceArrays)
+            if (a.placed)
+                addRuns(source, a.placed, a.rows, a.blocksPerRow);
+        w->toucher = std::thread(warm, std::move(source), std::cref(w->strips), std::cref(w->job));
+    } catch (...) {
+        // No thread: the arrays are mapped in as they are written.
+    }
+}
+
+// Makes the decode start the toucher, once there are strips to encode on
+// two cores.
+void warmArrays(Work &w)
+{
+    if (w.strips.size() < 2)
+        return;
+    w.cinfo.client_data = &w;
+    w.sourceArrays.reserve(MAX_COMPONENTS);
+    w.request = w.cinfo.mem->request_virt_barray;
+    w.realize = w.cinfo.mem->realize_virt_arrays;
+    w.cinfo.mem->request_virt_barray = requestSource;
+    w.cinfo.mem->realize_virt_arrays = realizeSource;
+}
 
 // The header, and the markers when they are kept; errors in the source jump
 // out of it to MMJpegLosslessTurner::transform.
@@ -373,8 +475,7 @@ bool readHeader(jpeg_decompress_struct &src, const QByteArray &jpeg, bool keepMa
     return jpeg_read_header(&src, TRUE) == JPEG_HEADER_OK;
 }
 
-// Sets up the strips' encoders from the header and starts touching their
-// arrays on another thread.
+// Sets up the strips' encoders from the header.
 bool prepareStrips(Work &w, qsizetype sourceBytes)
 {
     const int count = stripCount(w.job, &w.interval);
@@ -390,8 +491,6 @@ bool prepareStrips(Work &w, qsizetype sourceBytes)
         if (!setUp(s, w.job, w.cinfo, estimate))
             return false;
     }
-    if (w.strips.size() > 1)
-        w.toucher = std::thread(touch, std::cref(w.strips), std::cref(w.job));
     return true;
 }
 
@@ -446,6 +545,7 @@ QByteArray MMJpegLosslessTurner::transform(const QByteArray &jpeg, const MMOrien
     if (!readHeader(w.cinfo, jpeg, keepMarkers) || !plan(w.job, w.cinfo, orientation)
         || !prepareStrips(w, jpeg.size()))
         return QByteArray();
+    warmArrays(w);
     jvirt_barray_ptr *arrays = jpeg_read_coefficients(&w.cinfo);
     if (w.toucher.joinable())
         w.toucher.join();
