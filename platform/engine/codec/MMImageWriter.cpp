@@ -12,18 +12,21 @@
 
 namespace {
 // The picture encoded by encode, with the metadata of options.metadataSource
-// in front. The metadata needs the picture's size and a thumbnail of it,
-// not its coding: it is made ready on a second thread while the picture is
-// encoded.
+// in front. The metadata needs the picture's size, its chroma sampling and a
+// thumbnail of it, not its coding: it is made ready on a second thread while
+// the picture is encoded, for the sampling asked of the encoder (made again
+// when the encoder chose another).
 template <class Encode>
-QByteArray withMetadata(const QSize &size, const MMMetadata::PictureSource &picture, const MMEncodeOptions &options,
-                        Encode encode)
+QByteArray withMetadata(const QSize &size, MMJpegHeader::Subsampling subsampling,
+                        const MMMetadata::PictureSource &picture, const MMEncodeOptions &options, Encode encode)
 {
     if (options.metadataSource.isEmpty())
         return encode();
     MMMetadata::Segments segments;
-    std::thread metadata(
-        [&] { segments = MMMetadata::segmentsFor(options.metadataSource, size, picture, options.keepIccProfile); });
+    std::thread metadata([&] {
+        segments = MMMetadata::segmentsFor(options.metadataSource, size, MMJpegHeader::chromaSampling(subsampling),
+                                           picture, options.keepIccProfile);
+    });
     const QByteArray jpeg = encode();
     metadata.join();
     if (jpeg.isEmpty())
@@ -61,7 +64,7 @@ QByteArray MMImageWriter::encode(const QImage &image, const QString &path, const
         return QByteArray();
 
     if (format == "jpeg") {
-        return withMetadata(image.size(), [&image] { return image; }, options, [&] {
+        return withMetadata(image.size(), options.jpegSubsampling, [&image] { return image; }, options, [&] {
             return MMJpegCodec::encode(image, options.jpegQuality, options.jpegSubsampling, options.jpegProgressive);
         });
     }
@@ -83,7 +86,7 @@ int MMImageWriter::write(const MMYuvPlanes &planes, const QString &path, const M
     // Twice the thumbnail's bound: the metadata averages it down from there.
     const auto picture = [&planes] { return planes.preview(QSize(320, 320)); };
     const int quality = qBound(1, options.jpegQuality, 100);
-    const QByteArray data = withMetadata(planes.size(), picture, options, [&] {
+    const QByteArray data = withMetadata(planes.size(), planes.subsampling(), picture, options, [&] {
         if (!options.jpegProgressive)
             return MMJpegStripEncoder::encode(planes, quality);
         const QByteArray joined = MMJpegProgressiveEncoder::encode(planes, quality, chromaScans);

@@ -29,6 +29,26 @@ bool isGrey(const QImage &image)
     return image.format() == QImage::Format_Grayscale8 || image.allGray();
 }
 
+// Refuses a turned row of blocks holding a coefficient 8-bit coding cannot
+// carry (the lossless turner's check; libjpeg reads such values without a
+// warning). Each encoder writes it its own way, from garbage to a term whose
+// pixels each IDCT's overflow makes differently once turned: the picture
+// saved would not be the one shown. Rows past the picture's last block are
+// padding no encoder writes.
+int refuseOutOfRange(short *coeffs, tjregion arrayRegion, tjregion planeRegion, int, int, tjtransform *)
+{
+    if (arrayRegion.y >= planeRegion.h)
+        return 0;
+    const int blocks = arrayRegion.w / 8;
+    int outside = 0;
+    for (int b = 0; b < blocks; ++b, coeffs += 64) {
+        outside |= (coeffs[0] < -1024) | (coeffs[0] > 1023);
+        for (int k = 1; k < 64; ++k)
+            outside |= (coeffs[k] < -1023) | (coeffs[k] > 1023);
+    }
+    return outside ? -1 : 0;
+}
+
 int transformOp(const MMOrientation &orientation)
 {
     switch (orientation.exifValue()) {
@@ -156,6 +176,7 @@ QByteArray MMJpegCodec::transform(const QByteArray &jpeg, const MMOrientation &o
     tjtransform t = {};
     t.op = transformOp(orientation);
     t.options = TJXOPT_PERFECT;
+    t.customFilter = refuseOutOfRange;
     if (!keepMarkers)
         t.options |= TJXOPT_COPYNONE;
     if (progressive)
@@ -175,7 +196,8 @@ QByteArray MMJpegCodec::transform(const QByteArray &jpeg, const MMOrientation &o
     QByteArray out(int(bound + jpeg.size()), Qt::Uninitialized);
     auto *buffer = reinterpret_cast<unsigned char *>(out.data());
     unsigned long size = (unsigned long)out.size();
-    // A warning means damaged data; a transform of it would save damage.
+    // A warning or a refused block means damaged data; a transform of it
+    // would save damage.
     if (tjTransform(tj.handle, source, jpeg.size(), 1, &buffer, &size, &t, TJFLAG_STOPONWARNING | TJFLAG_NOREALLOC) != 0
         || buffer != reinterpret_cast<unsigned char *>(out.data()))
         return QByteArray();

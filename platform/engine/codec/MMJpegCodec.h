@@ -21,8 +21,10 @@ public:
     // Applies orientation to the DCT coefficients without decoding. Only a
     // perfect transform is accepted (no partial MCU at an edge that moves),
     // so the result is exactly the turned picture; empty when that is not
-    // possible or the stream is damaged. keepMarkers copies every marker
-    // segment (EXIF, ICC, XMP, comments) unchanged.
+    // possible or the stream is damaged (any libjpeg warning, or a
+    // coefficient 8-bit coding cannot carry), so that the caller re-encodes
+    // what the decoder shows. keepMarkers copies every marker segment (EXIF,
+    // ICC, XMP, comments) unchanged.
     static QByteArray transform(const QByteArray &jpeg, const MMOrientation &orientation, bool keepMarkers,
                                 bool progressive);
 };

@@ -184,6 +184,27 @@ MMJpegHeader::Subsampling MMJpegHeader::subsampling() const
     return Sub444;
 }
 
+QSize MMJpegHeader::chromaSampling() const
+{
+    const int h = m_hSampling[1], v = m_vSampling[1];
+    if (m_components != 3 || h != m_hSampling[2] || v != m_vSampling[2] || m_hSampling[0] % h != 0
+        || m_vSampling[0] % v != 0)
+        return QSize();
+    return QSize(m_hSampling[0] / h, m_vSampling[0] / v);
+}
+
+QSize MMJpegHeader::chromaSampling(Subsampling subsampling)
+{
+    switch (subsampling) {
+    case Sub444: return QSize(1, 1);
+    case Sub422: return QSize(2, 1);
+    case Sub420: return QSize(2, 2);
+    case Sub440: return QSize(1, 2);
+    case Sub411: return QSize(4, 1);
+    default: return QSize();
+    }
+}
+
 int MMJpegHeader::estimatedQuality() const
 {
     if (m_components < 1 || !m_quantSeen[m_quantIndex[0]])

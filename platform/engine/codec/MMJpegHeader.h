@@ -1,4 +1,5 @@
 #pragma once
+#include <QSize>
 #include <QString>
 #include <QtGlobal>
 
@@ -32,6 +33,12 @@ public:
     // EXIF orientation of the stored pixels, 1 to 8 (1 when absent or odd).
     int orientation() const { return m_orientation; }
     Subsampling subsampling() const;
+    // Luma samples a chroma sample spans across and down, as EXIF records
+    // them ((2, 1) for 4:2:2, (1, 2) for 4:4:0); invalid when the frame has
+    // no chroma, or chroma factors that differ or do not divide luma's.
+    QSize chromaSampling() const;
+    // The same for a frame our encoders write at subsampling.
+    static QSize chromaSampling(Subsampling subsampling);
     // The IJG quality (1..100) whose luminance table is closest to this
     // file's; -1 when the file has no such table.
     int estimatedQuality() const;

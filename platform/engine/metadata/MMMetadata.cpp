@@ -1,6 +1,7 @@
 #include "MMMetadata.h"
 #include "MMAreaScaler.h"
 #include "MMJpegCodec.h"
+#include "MMJpegHeader.h"
 #include <QBuffer>
 #include <QFile>
 #include <QImageReader>
@@ -64,8 +65,20 @@ QByteArray thumbnailJpeg(const QImage &picture)
     return MMJpegCodec::encode(small, 80, MMJpegHeader::Sub420, false);
 }
 
-// Makes the metadata describe an upright picture of the given size.
-void fix(Exiv2::ExifData &exif, Exiv2::XmpData &xmp, const QSize &size, const MMMetadata::PictureSource &picture)
+// The chroma sampling of jpeg's frame; invalid when it has no chroma or no
+// readable frame.
+QSize frameSampling(const QByteArray &jpeg)
+{
+    QBuffer buffer;
+    buffer.setData(jpeg);
+    MMJpegHeader header;
+    return buffer.open(QIODevice::ReadOnly) && header.read(buffer) ? header.chromaSampling() : QSize();
+}
+
+// Makes the metadata describe an upright picture of the given size, in a
+// frame whose chroma is sampled as sampling says.
+void fix(Exiv2::ExifData &exif, Exiv2::XmpData &xmp, const QSize &size, const QSize &sampling,
+         const MMMetadata::PictureSource &picture)
 {
     const uint32_t w = uint32_t(size.width()), h = uint32_t(size.height());
     setIfPresent(exif, "Exif.Image.Orientation", uint16_t(1));
@@ -73,6 +86,11 @@ void fix(Exiv2::ExifData &exif, Exiv2::XmpData &xmp, const QSize &size, const MM
     setIfPresent(exif, "Exif.Photo.PixelYDimension", h);
     setIfPresent(exif, "Exif.Image.ImageWidth", w);
     setIfPresent(exif, "Exif.Image.ImageLength", h);
+    // A quarter turn makes 4:2:2 chroma 4:4:0, and a re-encode may choose
+    // its own.
+    if (sampling.isValid())
+        setIfPresent(exif, "Exif.Image.YCbCrSubSampling",
+                     std::to_string(sampling.width()) + ' ' + std::to_string(sampling.height()));
     setIfPresent(xmp, "Xmp.tiff.Orientation", std::string("1"));
     setIfPresent(xmp, "Xmp.exif.PixelXDimension", std::to_string(w));
     setIfPresent(xmp, "Xmp.exif.PixelYDimension", std::to_string(h));
@@ -210,14 +228,20 @@ void copyJfifDensity(const QString &sourcePath, QByteArray &jpeg)
 QByteArray MMMetadata::transplant(const QString &sourcePath, const QByteArray &jpeg, const QSize &size,
                                   const PictureSource &picture, bool keepIcc)
 {
-    QByteArray result = transplantSegments(sourcePath, jpeg, size, picture, keepIcc);
+    return transplant(sourcePath, jpeg, size, frameSampling(jpeg), picture, keepIcc);
+}
+
+QByteArray MMMetadata::transplant(const QString &sourcePath, const QByteArray &jpeg, const QSize &size,
+                                  const QSize &sampling, const PictureSource &picture, bool keepIcc)
+{
+    QByteArray result = transplantSegments(sourcePath, jpeg, size, sampling, picture, keepIcc);
     if (!result.isEmpty())
         copyJfifDensity(sourcePath, result);
     return result;
 }
 
 QByteArray MMMetadata::transplantSegments(const QString &sourcePath, const QByteArray &jpeg, const QSize &size,
-                                          const PictureSource &picture, bool keepIcc)
+                                          const QSize &sampling, const PictureSource &picture, bool keepIcc)
 {
     initExiv2();
     // An XMP packet Exiv2 cannot write back must not cost the EXIF and the
@@ -242,7 +266,7 @@ QByteArray MMMetadata::transplantSegments(const QString &sourcePath, const QByte
             if (!target.get())
                 return QByteArray();
             target->readMetadata();
-            fix(exif, xmp, size, picture);
+            fix(exif, xmp, size, sampling, picture);
             target->setExifData(exif);
             target->setXmpData(xmp);
             target->setIptcData(iptc);
@@ -264,7 +288,7 @@ namespace {
 const QByteArray kJfifStart("\xFF\xD8\xFF\xE0\x00\x10JFIF\x00\x01\x01\x00\x00\x01\x00\x01\x00\x00", 20);
 }
 
-MMMetadata::Segments MMMetadata::segmentsFor(const QString &sourcePath, const QSize &size,
+MMMetadata::Segments MMMetadata::segmentsFor(const QString &sourcePath, const QSize &size, const QSize &sampling,
                                              const PictureSource &picture, bool keepIcc)
 {
     // A header with no picture: the start, the JFIF header, a table, a scan
@@ -274,19 +298,20 @@ MMMetadata::Segments MMMetadata::segmentsFor(const QString &sourcePath, const QS
     const QByteArray table = QByteArray("\xFF\xDB\x00\x43\x00", 5) + QByteArray(64, '\x01');
     const QByteArray stub
         = kJfifStart + table + QByteArray("\xFF\xDA\x00\x08\x01\x01\x00\x00\x3F\x00\xFF\xD9", 12);
-    const QByteArray header = transplant(sourcePath, stub, size, picture, keepIcc);
+    const QByteArray header = transplant(sourcePath, stub, size, sampling, picture, keepIcc);
     Segments segments;
     const qsizetype at = walkApplicationSegments(header, [](int, qsizetype, int) { return true; });
     if (firstScan(header) < 0 || at < 2 || header.mid(at, table.size()) != table)
         return segments;
     segments.ok = true;
     segments.bytes = header.mid(2, at - 2);
+    segments.sampling = sampling;
     return segments;
 }
 
 QByteArray MMMetadata::withSegments(const Segments &segments, const QByteArray &jpeg)
 {
-    if (!segments.ok || !jpeg.startsWith(kJfifStart))
+    if (!segments.ok || !jpeg.startsWith(kJfifStart) || frameSampling(jpeg) != segments.sampling)
         return QByteArray();
     QByteArray out;
     out.reserve(2 + segments.bytes.size() + jpeg.size() - kJfifStart.size());
@@ -310,7 +335,7 @@ QByteArray MMMetadata::normalize(const QByteArray &jpeg, const QSize &size, cons
         Exiv2::XmpData xmp = image->xmpData();
         if (exif.empty() && xmp.empty())
             return jpeg;
-        fix(exif, xmp, size, picture);
+        fix(exif, xmp, size, frameSampling(header.bytes), picture);
         image->setExifData(exif);
         image->setXmpData(xmp);
         image->writeMetadata();

@@ -2,13 +2,15 @@
 #include <QByteArray>
 #include <QDate>
 #include <QImage>
+#include <QSize>
 #include <QString>
 #include <functional>
 
 // EXIF, XMP, ICC and comment handling for written JPEG files, through
 // Exiv2. Our pixels are always saved upright, so the orientation becomes 1,
-// the recorded pixel size becomes the saved one, and an embedded thumbnail
-// is redrawn from the new picture (dropped when none is given).
+// the recorded pixel size and chroma sampling become the saved frame's, and
+// an embedded thumbnail is redrawn from the new picture (dropped when none is
+// given).
 class MMMetadata
 {
 public:
@@ -22,23 +24,28 @@ public:
     static QByteArray transplant(const QString &sourcePath, const QByteArray &jpeg, const QSize &size,
                                  const PictureSource &picture, bool keepIcc);
     // The same, made ready without the coded picture (so while it is being
-    // encoded): the metadata segments for a JFIF stream of size, to follow
+    // encoded): the metadata segments for a JFIF stream of size whose chroma
+    // is sampled as sampling says (MMJpegHeader::chromaSampling), to follow
     // its start marker. ok false on failure.
     struct Segments
     {
         bool ok = false;
         QByteArray bytes;
+        QSize sampling;
     };
-    static Segments segmentsFor(const QString &sourcePath, const QSize &size, const PictureSource &picture,
-                                bool keepIcc);
+    static Segments segmentsFor(const QString &sourcePath, const QSize &size, const QSize &sampling,
+                                const PictureSource &picture, bool keepIcc);
     // jpeg, as our encoders write it (start marker, then the plain JFIF
     // header), with its header replaced by segments; empty when jpeg does
-    // not begin as expected.
+    // not begin as expected or its frame is not sampled as the segments say.
     static QByteArray withSegments(const Segments &segments, const QByteArray &jpeg);
 
 private:
+    // transplant, for a frame whose chroma is sampled as sampling says.
+    static QByteArray transplant(const QString &sourcePath, const QByteArray &jpeg, const QSize &size,
+                                 const QSize &sampling, const PictureSource &picture, bool keepIcc);
     static QByteArray transplantSegments(const QString &sourcePath, const QByteArray &jpeg, const QSize &size,
-                                         const PictureSource &picture, bool keepIcc);
+                                         const QSize &sampling, const PictureSource &picture, bool keepIcc);
 
 public:
     // Fixes, in place, the metadata that jpeg already carries (markers

@@ -14,6 +14,9 @@
 #include <QTemporaryDir>
 #include <QtEndian>
 #include <QtTest>
+#include <cstdio>
+#include <cstdlib>
+#include <jpeglib.h>
 
 using namespace EngineTestTools;
 
@@ -87,6 +90,42 @@ QString turnProblem(const QString &file, const QByteArray &original, bool edited
     QString where;
     const double mean = flows::compare(got, want, &where);
     return mean < 3.0 ? QString() : QStringLiteral("mean difference %1, first at %2").arg(mean).arg(where);
+}
+
+// A 32 x 16 grey picture, coded progressive and arithmetic by libjpeg from
+// coefficients: one block's first horizontal luma term is 2048, beyond what
+// 8-bit coding carries. libjpeg writes and reads it without a warning.
+QByteArray progressiveBeyondRange()
+{
+    jpeg_compress_struct c;
+    jpeg_error_mgr error;
+    c.err = jpeg_std_error(&error);
+    jpeg_create_compress(&c);
+    unsigned char *buffer = nullptr;
+    unsigned long size = 0;
+    jpeg_mem_dest(&c, &buffer, &size);
+    c.image_width = 32;
+    c.image_height = 16;
+    c.input_components = 3;
+    c.in_color_space = JCS_YCbCr;
+    jpeg_set_defaults(&c); // 4:2:0
+    c.arith_code = TRUE;
+    jpeg_simple_progression(&c);
+    const QSize blocks[3] = { QSize(4, 2), QSize(2, 1), QSize(2, 1) };
+    jvirt_barray_ptr arrays[3];
+    for (int ci = 0; ci < 3; ++ci)
+        arrays[ci] = c.mem->request_virt_barray(reinterpret_cast<j_common_ptr>(&c), JPOOL_IMAGE, TRUE,
+                                                JDIMENSION(blocks[ci].width()), JDIMENSION(blocks[ci].height()),
+                                                JDIMENSION(c.comp_info[ci].v_samp_factor));
+    c.mem->realize_virt_arrays(reinterpret_cast<j_common_ptr>(&c));
+    JBLOCKARRAY luma = c.mem->access_virt_barray(reinterpret_cast<j_common_ptr>(&c), arrays[0], 0, 1, TRUE);
+    luma[0][1][1] = 2048;
+    jpeg_write_coefficients(&c, arrays);
+    jpeg_finish_compress(&c);
+    jpeg_destroy_compress(&c);
+    const QByteArray stream(reinterpret_cast<const char *>(buffer), int(size));
+    std::free(buffer);
+    return stream;
 }
 
 } // namespace
@@ -282,29 +321,37 @@ private slots:
         QVERIFY2(problem.isEmpty(), qPrintable(problem));
     }
 
-    // A stream whose coefficients sequential coding cannot carry (an AC term
-    // of 2048, read without a warning from this arithmetic-coded picture the
-    // fuzzer made) must not be turned "losslessly" into garbage: the save
-    // shows what the decoder showed, turned.
+    // A stream whose coefficients 8-bit coding cannot carry (an AC term of
+    // 2048, read without a warning from an arithmetic-coded picture: the one
+    // the fuzzer made, sequential, and a progressive one) must not be turned
+    // "losslessly": the sequential coder writes such a term as garbage, the
+    // progressive one as a term whose pixels each IDCT's overflow makes
+    // differently once turned. The save shows what the decoder showed, turned.
     void coefficientsBeyondSequentialCoding_data()
     {
+        QTest::addColumn<QByteArray>("stream");
         QTest::addColumn<QString>("commands");
         QTest::addColumn<int>("orientation"); // what the commands make of the picture
-        QTest::newRow("transpose") << "r90 mh" << 5;
-        QTest::newRow("right") << "r90" << 6;
-        QTest::newRow("mirror") << "mh" << 2;
-    }
-
-    void coefficientsBeyondSequentialCoding()
-    {
-        QFETCH(QString, commands);
-        QFETCH(int, orientation);
-        const QByteArray stream = QByteArray::fromHex(
+        const QByteArray sequential = QByteArray::fromHex(
         "ffd8ffe000104a46494600010100000104010000ffdb00430006040506050406060506070706080a100a0a09090a140e0f0c"
         "1017141818171416161a1d251f1a1b231c1616202c20232627292a29191f2d302d283025282928ffdb0043010707070a080a"
         "130a0a13281a161a282828282828282828282828282828282828282828282828282828282828282828282828282828282828"
         "2828282828282828ffc90011080010002003012200021101031101ffcc000a0010100501101105ffda000c03010002110311"
         "003f00ff006eadc0831c658e42d73ad650740631d323688185f0a07feffb5af0365b0a03169144ffd9");
+        const QByteArray progressive = progressiveBeyondRange();
+        QTest::newRow("transpose") << sequential << "r90 mh" << 5;
+        QTest::newRow("right") << sequential << "r90" << 6;
+        QTest::newRow("mirror") << sequential << "mh" << 2;
+        QTest::newRow("progressive, transpose") << progressive << "r90 mh" << 5;
+        QTest::newRow("progressive, right") << progressive << "r90" << 6;
+        QTest::newRow("progressive, left") << progressive << "r270" << 8;
+    }
+
+    void coefficientsBeyondSequentialCoding()
+    {
+        QFETCH(QByteArray, stream);
+        QFETCH(QString, commands);
+        QFETCH(int, orientation);
         const QString in = path("beyond.jpg"), out = path("beyond-out.jpg");
         QVERIFY(writeBytes(in, stream));
         // libjpeg's SIMD code on each processor makes its own pixels of such

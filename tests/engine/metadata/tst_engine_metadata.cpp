@@ -1,8 +1,10 @@
 // What a save keeps of a photo's description, read back by exiftool: EXIF,
 // IPTC, every XMP property (known namespaces or not), the colour profile,
-// the JFIF density and the quality; and the capture date the date stamp
-// shows.
+// the JFIF density and the quality; the chroma sampling the EXIF states; and
+// the capture date the date stamp shows.
 #include "EngineTestTools.h"
+#include "MMImageHeader.h"
+#include "MMImageWriter.h"
 #include "MMMetadata.h"
 #include "requiretool.h"
 #include <QColorSpace>
@@ -32,6 +34,23 @@ class TestEngineMetadata : public QObject
             "-JFIF:XResolution=300", "-JFIF:YResolution=300", "-JFIF:ResolutionUnit=inches",
             "-EXIF:DateTimeOriginal=2019:07:14 10:11:12"};
         return run("exiftool", QStringList{"-q", "-overwrite_original"} + tags + QStringList{out}) ? out : QString();
+    }
+
+    // Luma samples per chroma sample across and down, as EXIF writes them:
+    // from the file's frame, and from its EXIF.
+    static QString frameSampling(const QString &file)
+    {
+        static const QMap<MMJpegHeader::Subsampling, QString> factors = {{MMJpegHeader::Sub444, "1 1"},
+            {MMJpegHeader::Sub422, "2 1"}, {MMJpegHeader::Sub420, "2 2"}, {MMJpegHeader::Sub440, "1 2"}};
+        const MMImageHeader header = MMImageHeader::read(file);
+        return header.isValid() ? factors.value(header.jpeg().subsampling()) : QString();
+    }
+
+    static QString exifSampling(const QString &file)
+    {
+        QByteArray out;
+        run("exiftool", {"-s3", "-n", "-IFD0:YCbCrSubSampling", file}, &out);
+        return QString::fromUtf8(out).trimmed();
     }
 
     static QStringList read(const QString &file)
@@ -127,6 +146,50 @@ private slots:
         // stale or wrongly turned thumbnail is off by 40 levels or more.
         const double mean = meanDifference(thumbnail, expected);
         QVERIFY2(mean < 16, qPrintable(QString::number(mean)));
+    }
+
+    void samplingTagFollowsTheFrame_data()
+    {
+        QTest::addColumn<int>("subsampling");
+        QTest::addColumn<QSize>("size");
+        QTest::addColumn<QString>("commands");
+        QTest::addColumn<bool>("tagged");
+        // Whole MCUs turn losslessly; a megapixel picture of odd size turns
+        // in its own planes. Both make a turned 4:2:2 frame 4:4:0.
+        QTest::newRow("4:2:2, lossless right") << int(MMJpegHeader::Sub422) << QSize(64, 48) << "r90" << true;
+        QTest::newRow("4:2:2, lossless half turn") << int(MMJpegHeader::Sub422) << QSize(64, 48) << "r180" << true;
+        QTest::newRow("4:2:2, lossless left") << int(MMJpegHeader::Sub422) << QSize(64, 48) << "r270" << true;
+        QTest::newRow("4:2:0, lossless right") << int(MMJpegHeader::Sub420) << QSize(64, 48) << "r90" << true;
+        QTest::newRow("4:4:4, lossless right") << int(MMJpegHeader::Sub444) << QSize(64, 48) << "r90" << true;
+        QTest::newRow("4:2:2, planes right") << int(MMJpegHeader::Sub422) << QSize(1283, 1022) << "r90" << true;
+        QTest::newRow("4:2:2 without the tag") << int(MMJpegHeader::Sub422) << QSize(64, 48) << "r90" << false;
+    }
+
+    // The EXIF's YCbCrSubSampling states the frame that was written, and is
+    // not added where the source had none.
+    void samplingTagFollowsTheFrame()
+    {
+        QFETCH(int, subsampling);
+        QFETCH(QSize, size);
+        QFETCH(QString, commands);
+        QFETCH(bool, tagged);
+        const QString in = path(QString("sampling-in-%1.jpg").arg(QTest::currentDataTag()));
+        const QString out = path(QString("sampling-out-%1.jpg").arg(QTest::currentDataTag()));
+        MMEncodeOptions options;
+        options.format = "jpeg";
+        options.jpegSubsampling = MMJpegHeader::Subsampling(subsampling);
+        QVERIFY(writeBytes(in, MMImageWriter::encode(photo(size.width(), size.height()), in, options)));
+        // Some EXIF in any case, so that an absent tag is tested where EXIF is kept.
+        QStringList tags = {"-q", "-overwrite_original", "-Make=VoTestMake"};
+        if (tagged)
+            tags << "-IFD0:YCbCrSubSampling=" + frameSampling(in);
+        QVERIFY(run("exiftool", tags << in));
+        QCOMPARE(exifSampling(in), tagged ? frameSampling(in) : QString());
+
+        QCOMPARE(runCommands(in, out, commands), 0);
+
+        QVERIFY(!frameSampling(out).isEmpty());
+        QCOMPARE(exifSampling(out), tagged ? frameSampling(out) : QString());
     }
 
     void captureDate_data()
