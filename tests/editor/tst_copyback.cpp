@@ -1,47 +1,18 @@
 #include "ImgImplImageStore.h"
 #include "testimages.h"
+#include "datarows.h"
 
 #include <QDir>
 #include <QFileInfo>
 #include <QProcess>
+#include <QStorageInfo>
 #include <QTemporaryDir>
 #include <QtTest>
 
 #include <sys/mount.h>
-#include <sys/statfs.h>
 #include <unistd.h>
 
 using namespace testimages;
-
-// A size-limited tmpfs, mounted for the test when we are root.
-class SmallFileSystem
-{
-public:
-    explicit SmallFileSystem(const QString &path, int kib) : m_path(path)
-    {
-        const QByteArray options = "size=" + QByteArray::number(kib) + "k";
-        m_mounted = geteuid() == 0
-            && mount("tmpfs", QFile::encodeName(path).constData(), "tmpfs", 0, options.constData()) == 0;
-    }
-    ~SmallFileSystem()
-    {
-        if (m_mounted)
-            umount2(QFile::encodeName(m_path).constData(), MNT_DETACH);
-    }
-    bool mounted() const { return m_mounted; }
-    qint64 blockSize() const { return stats().f_bsize; }
-    qint64 available() const { struct statfs s = stats(); return qint64(s.f_bsize) * qint64(s.f_bavail); }
-
-private:
-    struct statfs stats() const
-    {
-        struct statfs s {};
-        statfs(QFile::encodeName(m_path).constData(), &s);
-        return s;
-    }
-    QString m_path;
-    bool m_mounted = false;
-};
 
 class TestCopyBack : public QObject
 {
@@ -54,9 +25,7 @@ private slots:
 
     void mappingDividesByScaleAndTruncates_data()
     {
-        QTest::addColumn<QSize>("image");
-        QTest::addColumn<QRect>("preview");
-        QTest::addColumn<QRect>("real");
+        columns<QSize, QRect, QRect>({"image", "preview", "real"});
         // 480x640 is previewed at 240x320: scale 0.5.
         QTest::newRow("corner and size scale separately")
             << QSize(480, 640) << QRect(QPoint(10, 20), QPoint(109, 69)) << QRect(20, 40, 200, 100);
@@ -68,9 +37,7 @@ private slots:
 
     void mappingDividesByScaleAndTruncates()
     {
-        QFETCH(QSize, image);
-        QFETCH(QRect, preview);
-        QFETCH(QRect, real);
+        auto [image, preview, real] = fetch<QSize, QRect, QRect>({"image", "preview", "real"});
         const QString path = m_files.filePath(QString("m%1.png").arg(image.width()));
         QVERIFY(write(path, image.width(), image.height(), "PNG"));
         ImgImplImageStore store(path);
@@ -80,9 +47,7 @@ private slots:
 
     void copyFileReportsFailure_data()
     {
-        QTest::addColumn<QString>("source");
-        QTest::addColumn<QString>("destination");
-        QTest::addColumn<int>("result");
+        columns<QString, QString, int>({"source", "destination", "result"});
         QTest::newRow("copies") << "src.bin" << "dst.bin" << 0;
         QTest::newRow("missing source") << "nothing-here" << "dst.bin" << -1;
         QTest::newRow("missing directory") << "src.bin" << "no/such/dir/dst.bin" << -1;
@@ -90,9 +55,7 @@ private slots:
 
     void copyFileReportsFailure()
     {
-        QFETCH(QString, source);
-        QFETCH(QString, destination);
-        QFETCH(int, result);
+        auto [source, destination, result] = fetch<QString, QString, int>({"source", "destination", "result"});
         QVERIFY(writeBytes(m_files.filePath("src.bin"), "payload"));
         QFile::remove(m_files.filePath("dst.bin"));
         // The room test fails too when there is nothing to examine.
@@ -108,10 +71,9 @@ private slots:
     // no room: never a torn file.
     void roomTestIsStrictOnARealFileSystem_data()
     {
-        QTest::addColumn<qint64>("existing");
-        QTest::addColumn<qint64>("offset"); // source size minus the exact limit
-        QTest::addColumn<bool>("room");
-        QTest::addColumn<bool>("throughLink"); // named by a symlink on another file system
+        // offset: source size minus the exact limit
+        // throughLink: named by a symlink on another file system
+        columns<qint64, qint64, bool, bool>({"existing", "offset", "room", "throughLink"});
         QTest::newRow("new file at the limit") << qint64(0) << qint64(0) << false << false;
         QTest::newRow("new file one byte under") << qint64(0) << qint64(-1) << true << false;
         QTest::newRow("replacing, at the limit") << qint64(100 * 1024) << qint64(0) << false << false;
@@ -123,19 +85,18 @@ private slots:
 
     void roomTestIsStrictOnARealFileSystem()
     {
-        QFETCH(qint64, existing);
-        QFETCH(qint64, offset);
-        QFETCH(bool, room);
-        QFETCH(bool, throughLink);
+        auto [existing, offset, room, throughLink] = fetch<qint64, qint64, bool, bool>({"existing", "offset", "room", "throughLink"});
         QTemporaryDir mountPoint;
-        SmallFileSystem fs(mountPoint.path(), 512);
-        if (!fs.mounted())
+        const QByteArray at = QFile::encodeName(mountPoint.path());
+        if (geteuid() != 0 || mount("tmpfs", at.constData(), "tmpfs", 0, "size=512k") != 0)
             QSKIP("needs root to mount a small tmpfs for a full-storage test");
+        const auto unmount = qScopeGuard([&] { umount2(at.constData(), MNT_DETACH); });
         const QString target = mountPoint.filePath("target.jpg");
         const QByteArray old(existing, 'e');
         if (existing)
             QVERIFY(writeBytes(target, old));
-        const qint64 limit = fs.available() - 5 * fs.blockSize();
+        const QStorageInfo fs(mountPoint.path()); // as it is now, the old file written
+        const qint64 limit = fs.bytesAvailable() - 5 * fs.blockSize();
         QVERIFY(writeBytes(m_files.filePath("source"), QByteArray(limit + offset, 's')));
         const QString named = throughLink ? m_files.filePath("link.jpg") : target;
         QFile::remove(m_files.filePath("link.jpg"));

@@ -1,6 +1,7 @@
 #include "ImgImplImageStore.h"
 #include "MMImageSource.h"
 #include "testimages.h"
+#include "datarows.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -35,8 +36,8 @@ private slots:
 
     void realCopyNameKeepsExtensionAndDropsBlanksFromBaseOnly_data()
     {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QString>("pattern"); // T stands for the time stamp
+        // pattern: T stands for the time stamp
+        columns<QString, QString>({"name", "pattern"});
         QTest::newRow("blanks in base") << "My Photo.jpg" << "tempreal_MyPhoto_T.jpg";
         QTest::newRow("first dot splits") << "a.b.jpg" << "tempreal_a_T.b.jpg";
         QTest::newRow("no dot") << "noext" << "tempreal_noext_T.";
@@ -45,8 +46,7 @@ private slots:
 
     void realCopyNameKeepsExtensionAndDropsBlanksFromBaseOnly()
     {
-        QFETCH(QString, name);
-        QFETCH(QString, pattern);
+        auto [name, pattern] = fetch<QString, QString>({"name", "pattern"});
         QVERIFY(write(file(name), 40, 30, "PNG"));
         const qint64 before = time(nullptr);
         ImgImplImageStore store(file(name));
@@ -65,11 +65,7 @@ private slots:
 
     void previewIsMadeFromSizeThreshold_data()
     {
-        QTest::addColumn<int>("w");
-        QTest::addColumn<int>("h");
-        QTest::addColumn<bool>("preview");
-        QTest::addColumn<QSize>("previewSize");
-        QTest::addColumn<float>("scale");
+        columns<int, int, bool, QSize, float>({"w", "h", "preview", "previewSize", "scale"});
         QTest::newRow("640x480 is large") << 640 << 480 << true << QSize(240, 180) << 0.375f;
         QTest::newRow("640x479 is not") << 640 << 479 << false << QSize() << 1.0f;
         QTest::newRow("portrait uses heights") << 480 << 640 << true << QSize(240, 320) << 0.5f;
@@ -78,11 +74,7 @@ private slots:
 
     void previewIsMadeFromSizeThreshold()
     {
-        QFETCH(int, w);
-        QFETCH(int, h);
-        QFETCH(bool, preview);
-        QFETCH(QSize, previewSize);
-        QFETCH(float, scale);
+        auto [w, h, preview, previewSize, scale] = fetch<int, int, bool, QSize, float>({"w", "h", "preview", "previewSize", "scale"});
         QVERIFY(write(file("p.png"), w, h, "PNG"));
         ImgImplImageStore store(file("p.png"));
         QCOMPARE(store.hasPreview, preview);
@@ -134,10 +126,7 @@ private slots:
 
     void sizeRules_data()
     {
-        QTest::addColumn<int>("w");
-        QTest::addColumn<int>("h");
-        QTest::addColumn<bool>("large");
-        QTest::addColumn<bool>("editable");
+        columns<int, int, bool, bool>({"w", "h", "large", "editable"});
         QTest::newRow("20x1000 side too small") << 20 << 1000 << false << false;
         QTest::newRow("641x480 too many pixels") << 641 << 480 << true << false;
         QTest::newRow("21x21") << 21 << 21 << false << true;
@@ -148,10 +137,7 @@ private slots:
 
     void sizeRules()
     {
-        QFETCH(int, w);
-        QFETCH(int, h);
-        QFETCH(bool, large);
-        QFETCH(bool, editable);
+        auto [w, h, large, editable] = fetch<int, int, bool, bool>({"w", "h", "large", "editable"});
         const QString path = file(QString("size_%1x%2.png").arg(w).arg(h));
         QVERIFY(w ? write(path, w, h, "PNG") : writeBytes(path, "not a picture"));
         QCOMPARE(ImgImplImageStore::isLargeImage(path), large);

@@ -9,6 +9,7 @@
 #include "ZSoftKey.h"
 #include "editortestutil.h"
 #include "testimages.h"
+#include "datarows.h"
 
 #include <QTemporaryDir>
 #include <QtTest>
@@ -45,12 +46,9 @@ private slots:
 
     void screensFollowTheChosenLanguage_data()
     {
-        QTest::addColumn<QString>("locale"); // null: none chosen, the system's (first row only)
-        QTest::addColumn<QString>("language");
-        QTest::addColumn<QString>("title");
-        QTest::addColumn<QStringList>("menu");
-        QTest::addColumn<QStringList>("softKeys"); // left, right, right after an edit
-        QTest::addColumn<QString>("inUse");
+        // locale: null: none chosen, the system's (first row only)
+        // softKeys: left, right, right after an edit
+        columns<QString, QString, QString, QStringList, QStringList, QString>({"locale", "language", "title", "menu", "softKeys", "inUse"});
         const QStringList german{"90° nach links drehen", "90° nach rechts drehen", "Horizontal spiegeln",
                                  "Vertikal spiegeln", "Zuschneiden", "Größe ändern",
                                  "Elemente hinzufügen", "Stil"};
@@ -72,12 +70,8 @@ private slots:
 
     void screensFollowTheChosenLanguage()
     {
-        QFETCH(QString, locale);
-        QFETCH(QString, language);
-        QFETCH(QString, title);
-        QFETCH(QStringList, menu);
-        QFETCH(QStringList, softKeys);
-        QFETCH(QString, inUse);
+        auto [locale, language, title, menu, softKeys, inUse] =
+            fetch<QString, QString, QString, QStringList, QStringList, QString>({"locale", "language", "title", "menu", "softKeys", "inUse"});
         if (locale.isNull())
             QVERIFY2(QLocale::system().name().startsWith(language), "run this test with LC_ALL=de_DE.UTF-8");
         else

@@ -5,6 +5,7 @@
 #include "ImgImplSafeSave.h"
 #include "MMAtomicFile.h"
 #include "testimages.h"
+#include "datarows.h"
 
 #include <QDir>
 #include <QRandomGenerator>
@@ -93,26 +94,6 @@ class TestSaveDurability : public QObject
         return store.saveToOriginalFile();
     }
 
-    int stepsOfOneSave(const QString &path, qint64 oldSize, qint64 newSize)
-    {
-        setUp(path, oldSize, newSize);
-        ImgImplIoStep::disarm();
-        const int result = save();
-        const int steps = ImgImplIoStep::count();
-        return result == 0 && bytes(photo()) == m_new ? steps : -1;
-    }
-
-    static void paths()
-    {
-        QTest::addColumn<QString>("path");
-        QTest::addColumn<qint64>("oldSize");
-        QTest::addColumn<qint64>("newSize");
-        QTest::newRow("rename, grows") << "rename" << 3 * Chunk + 100 << 4 * Chunk + 7;
-        QTest::newRow("rename, shrinks") << "rename" << 4 * Chunk << Chunk + 1;
-        QTest::newRow("in place, grows") << "inplace" << 2 * Chunk + 5 << 3 * Chunk + 11;
-        QTest::newRow("in place, shrinks") << "inplace" << 3 * Chunk + 9 << 2 * Chunk;
-    }
-
 private slots:
     void initTestCase()
     {
@@ -125,19 +106,47 @@ private slots:
         ImgImplFileOps::setCreateHookForTest(nullptr);
     }
 
-    void stopDeadAfterEveryStep_data() { paths(); }
-
-    // The save is stopped with _exit right after its N-th step, for every N.
-    void stopDeadAfterEveryStep()
+    void everyStepInterrupted_data()
     {
-        QFETCH(QString, path);
-        QFETCH(qint64, oldSize);
-        QFETCH(qint64, newSize);
-        const int steps = stepsOfOneSave(path, oldSize, newSize);
-        QVERIFY(steps > 4);
+        // error: the step fails with it; 0: the save is stopped dead (_exit)
+        // right after the step.
+        columns<QString, qint64, qint64, int>({"path", "oldSize", "newSize", "error"});
+        for (int error : {0, ENOSPC, EIO}) {
+            const char *how = error == ENOSPC ? "no space" : error == EIO ? "I/O error" : "stopped";
+            QTest::addRow("rename, grows, %s", how) << "rename" << 3 * Chunk + 100 << 4 * Chunk + 7 << error;
+            QTest::addRow("rename, shrinks, %s", how) << "rename" << 4 * Chunk << Chunk + 1 << error;
+            QTest::addRow("in place, grows, %s", how) << "inplace" << 2 * Chunk + 5 << 3 * Chunk + 11 << error;
+            QTest::addRow("in place, shrinks, %s", how) << "inplace" << 3 * Chunk + 9 << 2 * Chunk << error;
+        }
+    }
+
+    // Each step of the save in turn fails or is the last before the process
+    // dies. A failure before the commit leaves the photo as it was and
+    // nothing beside it; the last step (flushing the folder after the commit)
+    // cannot take the new photo back any more. After a stop the photo is old
+    // or new, never torn, once the next launch has put a backup back.
+    void everyStepInterrupted()
+    {
+        auto [path, oldSize, newSize, error] = fetch<QString, qint64, qint64, int>({"path", "oldSize", "newSize", "error"});
+        setUp(path, oldSize, newSize);
+        ImgImplIoStep::disarm(); // counts the steps from here
+        QCOMPARE(save(), 0);
+        QCOMPARE(bytes(photo()), m_new);
         QVERIFY(leftovers().isEmpty());
+        const int steps = ImgImplIoStep::count();
+        QVERIFY(steps > 4);
         for (int n = 1; n <= steps; ++n) {
             setUp(path, oldSize, newSize);
+            const QString step = QString("step %1: ").arg(n);
+            if (error) {
+                ImgImplIoStep::arm(ImgImplIoStep::FailAt, n, error);
+                const int result = save();
+                ImgImplIoStep::disarm();
+                QCOMPARE(result, n == steps ? 0 : -1);
+                QVERIFY2(bytes(photo()) == (n == steps ? m_new : m_old), qPrintable(step));
+                QVERIFY2(leftovers().isEmpty(), qPrintable(step + leftovers().join(", ")));
+                continue;
+            }
             const pid_t child = fork();
             if (child == 0) {
                 ImgImplIoStep::arm(ImgImplIoStep::StopAfter, n);
@@ -146,58 +155,21 @@ private slots:
             }
             int status = 0;
             QCOMPARE(waitpid(child, &status, 0), child);
-            QVERIFY2(WIFEXITED(status) && WEXITSTATUS(status) == ImgImplIoStep::StopExitCode, qPrintable(QString::number(n)));
+            QVERIFY2(WIFEXITED(status) && WEXITSTATUS(status) == ImgImplIoStep::StopExitCode, qPrintable(step));
             // A rename leaves the photo whole at every instant; in place it
             // may be torn until the next launch puts the backup back.
             const QByteArray now = bytes(photo());
-            if (path == "rename")
-                QVERIFY2(now == m_old || now == m_new, qPrintable(QString("torn after step %1").arg(n)));
-            // The next launch.
-            delete new ImgImplImageStore(photo());
+            QVERIFY2(path == "inplace" || now == m_old || now == m_new, qPrintable(step + "torn"));
+            delete new ImgImplImageStore(photo()); // the next launch
             const QByteArray recovered = bytes(photo());
-            QVERIFY2(recovered == m_old || recovered == m_new, qPrintable(QString::number(n)));
+            QVERIFY2(recovered == m_old || recovered == m_new, qPrintable(step));
             // A renamed-in photo is committed; in place, only the backup's
             // removal commits.
             if (now == m_new && path == "rename")
                 QCOMPARE(recovered, m_new);
-            QVERIFY2(leftovers().isEmpty(), qPrintable(QString("step %1: %2").arg(n).arg(leftovers().join(", "))));
+            QVERIFY2(leftovers().isEmpty(), qPrintable(step + leftovers().join(", ")));
             if (path == "inplace")
                 QCOMPARE(bytes(second()), recovered);
-        }
-    }
-
-    void failEveryStep_data()
-    {
-        QTest::addColumn<QString>("path");
-        QTest::addColumn<qint64>("oldSize");
-        QTest::addColumn<qint64>("newSize");
-        QTest::addColumn<int>("error");
-        QTest::newRow("rename, no space") << "rename" << 3 * Chunk << 2 * Chunk + 3 << ENOSPC;
-        QTest::newRow("rename, I/O error") << "rename" << 2 * Chunk << 3 * Chunk + 3 << EIO;
-        QTest::newRow("in place, no space") << "inplace" << 2 * Chunk + 1 << 3 * Chunk << ENOSPC;
-        QTest::newRow("in place, I/O error") << "inplace" << 3 * Chunk << 2 * Chunk - 1 << EIO;
-    }
-
-    // Each step in turn fails. Until the save commits, a failure leaves the
-    // photo as it was and nothing beside it; the last step (flushing the
-    // folder after the commit) cannot take the new photo back any more.
-    void failEveryStep()
-    {
-        QFETCH(QString, path);
-        QFETCH(qint64, oldSize);
-        QFETCH(qint64, newSize);
-        QFETCH(int, error);
-        const int steps = stepsOfOneSave(path, oldSize, newSize);
-        QVERIFY(steps > 4);
-        for (int n = 1; n <= steps; ++n) {
-            setUp(path, oldSize, newSize);
-            ImgImplIoStep::arm(ImgImplIoStep::FailAt, n, error);
-            const int result = save();
-            ImgImplIoStep::disarm();
-            const bool committed = n == steps;
-            QCOMPARE(result, committed ? 0 : -1);
-            QVERIFY2(bytes(photo()) == (committed ? m_new : m_old), qPrintable(QString::number(n)));
-            QVERIFY2(leftovers().isEmpty(), qPrintable(QString("step %1: %2").arg(n).arg(leftovers().join(", "))));
         }
     }
 
@@ -207,10 +179,8 @@ private slots:
     // the photo unchanged. The link's target is never written.
     void plantedLinksAreNeverFollowed_data()
     {
-        QTest::addColumn<QString>("path");
-        QTest::addColumn<int>("plants");
-        QTest::addColumn<bool>("saved");
-        QTest::addColumn<QString>("atLaunch"); // planted when the store is made, at names holding this
+        // atLaunch: planted when the store is made, at names holding this
+        columns<QString, int, bool, QString>({"path", "plants", "saved", "atLaunch"});
         QTest::newRow("live marker's name taken") << "rename" << 1 << true << "live_";
         QTest::newRow("working copy's name taken") << "rename" << 1 << true << "tempreal_";
         QTest::newRow("rename, first name taken") << "rename" << 1 << true << QString();
@@ -221,10 +191,7 @@ private slots:
 
     void plantedLinksAreNeverFollowed()
     {
-        QFETCH(QString, path);
-        QFETCH(int, plants);
-        QFETCH(bool, saved);
-        QFETCH(QString, atLaunch);
+        auto [path, plants, saved, atLaunch] = fetch<QString, int, bool, QString>({"path", "plants", "saved", "atLaunch"});
         QTemporaryDir elsewhere;
         const QString victim = elsewhere.filePath("victim");
         QVERIFY(writeBytes(victim, "not yours"));
@@ -371,8 +338,7 @@ private slots:
     // a save killed there is undone by the next launch.
     void inPlaceWhenRenameCannotServe_data()
     {
-        QTest::addColumn<QString>("kind");
-        QTest::addColumn<int>("stopAfter");
+        columns<QString, int>({"kind", "stopAfter"});
         QTest::newRow("someone else's file") << "owner" << 0;
         QTest::newRow("folder we may not write") << "folder" << 0;
         // Header, two backup chunks, flush, commit, folder flush, first write.
@@ -381,8 +347,7 @@ private slots:
 
     void inPlaceWhenRenameCannotServe()
     {
-        QFETCH(QString, kind);
-        QFETCH(int, stopAfter);
+        auto [kind, stopAfter] = fetch<QString, int>({"kind", "stopAfter"});
         if (geteuid() != 0)
             QSKIP("needs root to act as two other users");
         const uid_t user = 4400, other = 4401;
@@ -430,43 +395,39 @@ private slots:
         QCOMPARE(QDir(work).entryList(QDir::Files | QDir::Hidden), QStringList());
     }
 
-    // The engine's own outputs (working copies, the save-as temporary) keep
-    // the mode of the file they replace, or get the umask's.
-    void engineOutputsKeepOrGetUsualMode()
+    // A new file gets the umask's mode and a file written over keeps its
+    // own, whether the engine writes it (its working copies, the save-as
+    // temporary) or the store saves as.
+    void writtenFilesGetUsualModes_data()
     {
-        const QString made = m_pics.filePath("engine-new"), kept = m_pics.filePath("engine-kept");
-        QFile::remove(made);
-        QVERIFY(writeBytes(kept, "old"));
-        QCOMPARE(chmod(QFile::encodeName(kept).constData(), 0600), 0);
-        const mode_t mask = umask(027);
-        const int madeResult = MMAtomicFile::write(made, "new");
-        const int keptResult = MMAtomicFile::write(kept, "new");
-        umask(mask);
-        QCOMPARE(madeResult, 0);
-        QCOMPARE(keptResult, 0);
-        struct stat st;
-        QCOMPARE(stat(QFile::encodeName(made).constData(), &st), 0);
-        QCOMPARE(int(st.st_mode & 07777), 0640);
-        QCOMPARE(stat(QFile::encodeName(kept).constData(), &st), 0);
-        QCOMPARE(int(st.st_mode & 07777), 0600);
-        QCOMPARE(bytes(kept), QByteArray("new"));
+        columns<bool, bool>({"engine", "replaces"});
+        QTest::newRow("engine, new file") << true << false;
+        QTest::newRow("engine, over a file") << true << true;
+        QTest::newRow("save as, new file") << false << false;
     }
 
-    // Save as: a new file gets the umask's mode, and a name that appears
-    // while it is written is not replaced.
-    void saveAsMakesOrdinaryNewFiles()
+    void writtenFilesGetUsualModes()
+    {
+        auto [engine, replaces] = fetch<bool, bool>({"engine", "replaces"});
+        setUp("rename", 10, 10);
+        const QString file = m_pics.filePath("written.jpg");
+        QVERIFY(!replaces || (writeBytes(file, "old") && chmod(QFile::encodeName(file).constData(), 0600) == 0));
+        QVERIFY(writeBytes(m_work.filePath("new.jpg"), m_new));
+        const mode_t mask = umask(027);
+        const int result = engine ? MMAtomicFile::write(file, m_new) : ImgImplImageStore::copyFile(m_work.filePath("new.jpg"), file);
+        umask(mask);
+        QCOMPARE(result, 0);
+        QCOMPARE(bytes(file), m_new);
+        struct stat st;
+        QCOMPARE(stat(QFile::encodeName(file).constData(), &st), 0);
+        QCOMPARE(int(st.st_mode & 07777), replaces ? 0600 : 0640);
+    }
+
+    // Save as: a name that appears while the file is written is not replaced.
+    void saveAsLeavesALateNameAlone()
     {
         setUp("rename", 10, 10);
         QVERIFY(writeBytes(m_work.filePath("new.jpg"), m_new));
-        const mode_t mask = umask(027);
-        const int result = ImgImplImageStore::copyFile(m_work.filePath("new.jpg"), m_pics.filePath("fresh.jpg"));
-        umask(mask);
-        QCOMPARE(result, 0);
-        struct stat made;
-        QCOMPARE(stat(QFile::encodeName(m_pics.filePath("fresh.jpg")).constData(), &made), 0);
-        QCOMPARE(int(made.st_mode & 07777), 0640);
-        QCOMPARE(bytes(m_pics.filePath("fresh.jpg")), m_new);
-
         // Someone creates the name between the check and the rename.
         static QString late;
         late = m_pics.filePath("late.jpg");

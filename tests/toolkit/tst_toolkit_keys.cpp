@@ -4,6 +4,7 @@
 #include "ZOptMenuParser.h"
 #include "ZOptionsMenu.h"
 #include "ZSoftKey.h"
+#include "datarows.h"
 #include <QApplication>
 #include <QKeyEvent>
 #include <QPointer>
@@ -86,10 +87,8 @@ private slots:
 
     void menuKeysRunOneItem_data()
     {
-        QTest::addColumn<int>("openKey"); // 0: a click on the left soft key
-        QTest::addColumn<QList<int>>("moves");
-        QTest::addColumn<int>("selectKey");
-        QTest::addColumn<QString>("expected");
+        // openKey: 0: a click on the left soft key
+        columns<int, QList<int>, int, QString>({"openKey", "moves", "selectKey", "expected"});
         const int down = Qt::Key_Down, up = Qt::Key_Up, open = Qt::Key_Context1, select = Qt::Key_Select;
         QTest::newRow("first item") << open << QList<int>() << select << "rotate";
         QTest::newRow("down skips separator, hidden") << open << QList<int>{down} << select << "resize";
@@ -103,10 +102,7 @@ private slots:
 
     void menuKeysRunOneItem()
     {
-        QFETCH(int, openKey);
-        QFETCH(QList<int>, moves);
-        QFETCH(int, selectKey);
-        QFETCH(QString, expected);
+        auto [openKey, moves, selectKey, expected] = fetch<int, QList<int>, int, QString>({"openKey", "moves", "selectKey", "expected"});
         const auto hit = [this](int key) { key ? press(key) : m_keys->press(ZSoftKey::LEFT); };
         hit(openKey);
         QVERIFY(m_menu->isOpen() && m_menu->isVisible());
@@ -150,8 +146,8 @@ private slots:
 
     void disabledSoftKeyIgnoresKeyAndClick_data()
     {
-        QTest::addColumn<int>("idx");
-        QTest::addColumn<int>("key"); // 0: click the button
+        // key: 0: click the button
+        columns<int, int>({"idx", "key"});
         QTest::newRow("left key") << int(ZSoftKey::LEFT) << int(Qt::Key_Context1);
         QTest::newRow("left click") << int(ZSoftKey::LEFT) << 0;
         QTest::newRow("right key") << int(ZSoftKey::RIGHT) << int(Qt::Key_Context2);
@@ -161,10 +157,9 @@ private slots:
     // The left key opens the menu, the right one runs "Back" -- only when enabled.
     void disabledSoftKeyIgnoresKeyAndClick()
     {
-        QFETCH(int, idx);
-        QFETCH(int, key);
+        auto [idx, key] = fetch<int, int>({"idx", "key"});
         const bool left = idx == ZSoftKey::LEFT;
-        const auto trigger = [&] {
+        const auto trigger = [&, key = key] {
             if (key)
                 return press(key);
             // Whatever sits at that end of the bar is what a finger would hit.

@@ -1,6 +1,7 @@
 #include "ZGlobal.h"
 #include "ZResourceTranslator.h"
 #include "ZSkinService.h"
+#include "datarows.h"
 #include <QCoreApplication>
 #include <QImage>
 #include <QTest>
@@ -13,8 +14,7 @@ private slots:
 
     void screenGeometry_data()
     {
-        QTest::addColumn<QByteArray>("value");
-        QTest::addColumn<QSize>("expected");
+        columns<QByteArray, QSize>({"value", "expected"});
         const QSize qvga(240, 320);
         QTest::newRow("unset") << QByteArray() << qvga;
         QTest::newRow("landscape, spaces") << QByteArray(" 320X240 ") << QSize(320, 240);
@@ -27,8 +27,7 @@ private slots:
     // the home area from under the title to the bottom; all full width.
     void screenGeometry()
     {
-        QFETCH(QByteArray, value);
-        QFETCH(QSize, expected);
+        auto [value, expected] = fetch<QByteArray, QSize>({"value", "expected"});
         if (!value.isNull())
             qputenv("VO_SCREEN_SIZE", value);
         const QRect screen = ZGlobal::getScreenR(), title = ZGlobal::getTitleR(), keys = ZGlobal::getCstR();
@@ -45,12 +44,7 @@ private slots:
 
     void languagePack_data()
     {
-        QTest::addColumn<QString>("locale");
-        QTest::addColumn<QString>("language");
-        QTest::addColumn<QString>("context");
-        QTest::addColumn<QByteArray>("key");
-        QTest::addColumn<QByteArray>("english");
-        QTest::addColumn<QString>("shown");
+        columns<QString, QString, QString, QByteArray, QByteArray, QString>({"locale", "language", "context", "key", "english", "shown"});
         QTest::newRow("German") << "de_DE" << "de" << "ZNoticeDlg" << QByteArray("TXT_RID_NOTICE_ERROR")
                                 << QByteArray("Error") << "Fehler";
         QTest::newRow("Swiss German") << "de_CH" << "de" << "ZNoticeDlg" << QByteArray("TXT_RID_NOTICE_WARNING")
@@ -70,12 +64,8 @@ private slots:
     // gets English, and switching replaces the language rather than stacking.
     void languagePack()
     {
-        QFETCH(QString, locale);
-        QFETCH(QString, language);
-        QFETCH(QString, context);
-        QFETCH(QByteArray, key);
-        QFETCH(QByteArray, english);
-        QFETCH(QString, shown);
+        auto [locale, language, context, key, english, shown] =
+            fetch<QString, QString, QString, QByteArray, QByteArray, QString>({"locale", "language", "context", "key", "english", "shown"});
         QCOMPARE(ZResourceTranslator::install(QLocale(locale)), language);
         const char *comment = english.isNull() ? nullptr : english.constData();
         QCOMPARE(QCoreApplication::translate(context.toLatin1().constData(), key.constData(), comment), shown);
@@ -83,9 +73,8 @@ private slots:
 
     void skinIcons_data()
     {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<bool>("exists");
-        QTest::addColumn<QString>("mirrorOf"); // the left-turn icons mirror the right-turn ones
+        // mirrorOf: the left-turn icons mirror the right-turn ones
+        columns<QString, bool, QString>({"name", "exists", "mirrorOf"});
         QTest::newRow("right") << "mp_vid_rot_90_rt_unp_nav" << true << QString();
         QTest::newRow("right pressed") << "mp_vid_rot_90_rt_p_nav" << true << QString();
         QTest::newRow("left") << "mp_vid_rot_90_lft_unp_nav" << true << "mp_vid_rot_90_rt_unp_nav";
@@ -96,9 +85,7 @@ private slots:
 
     void skinIcons()
     {
-        QFETCH(QString, name);
-        QFETCH(bool, exists);
-        QFETCH(QString, mirrorOf);
+        auto [name, exists, mirrorOf] = fetch<QString, bool, QString>({"name", "exists", "mirrorOf"});
         const QImage icon = ZSkinService::getPixmap(name).toImage();
         QCOMPARE(!icon.isNull(), exists);
         if (!mirrorOf.isEmpty()) {

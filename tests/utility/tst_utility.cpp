@@ -1,5 +1,6 @@
 // Fitting a picture to the screen and making unique temporary names.
 #include "VOUtility.h"
+#include "datarows.h"
 #include <QDir>
 #include <QFileInfo>
 #include <QSet>
@@ -14,9 +15,7 @@ class TestUtility : public QObject
 private slots:
     void fitScreen_data()
     {
-        QTest::addColumn<QSize>("image");
-        QTest::addColumn<QSize>("screen");
-        QTest::addColumn<QSize>("expected");
+        columns<QSize, QSize, QSize>({"image", "screen", "expected"});
         QTest::newRow("small is not enlarged") << QSize(10, 10) << QSize(240, 320) << QSize(10, 10);
         QTest::newRow("exactly the screen's shape") << QSize(3000, 4000) << QSize(240, 320) << QSize(240, 320);
         QTest::newRow("tall") << QSize(1000, 4000) << QSize(240, 320) << QSize(80, 320);
@@ -30,9 +29,7 @@ private slots:
 
     void fitScreen()
     {
-        QFETCH(QSize, image);
-        QFETCH(QSize, screen);
-        QFETCH(QSize, expected);
+        auto [image, screen, expected] = fetch<QSize, QSize, QSize>({"image", "screen", "expected"});
         int w = image.width(), h = image.height();
 
         VOUtility::fitScreen(w, h, screen.width(), screen.height());

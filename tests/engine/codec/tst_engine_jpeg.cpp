@@ -10,6 +10,7 @@
 #include "MMJpegProgressiveEncoder.h"
 #include "MMJpegRegionDecoder.h"
 #include "requiretool.h"
+#include "datarows.h"
 #include <QTemporaryDir>
 #include <QtTest>
 #include <cmath>
@@ -32,10 +33,7 @@ private slots:
 
     void losslessMatchesJpegtran_data()
     {
-        QTest::addColumn<QString>("commands");
-        QTest::addColumn<QStringList>("jpegtran");
-        QTest::addColumn<QString>("colour");
-        QTest::addColumn<QSize>("size");
+        columns<QString, QStringList, QString, QSize>({"commands", "jpegtran", "colour", "size"});
         const QSize small(256, 192), large(1280, 1024);
         QTest::newRow("right") << "r90" << QStringList{ "-rotate", "90" } << "2x2" << small;
         QTest::newRow("left") << "r-90" << QStringList{ "-rotate", "270" } << "2x2" << small;
@@ -64,10 +62,7 @@ private slots:
 
     void losslessMatchesJpegtran()
     {
-        QFETCH(QString, commands);
-        QFETCH(QStringList, jpegtran);
-        QFETCH(QString, colour);
-        QFETCH(QSize, size);
+        auto [commands, jpegtran, colour, size] = fetch<QString, QStringList, QString, QSize>({"commands", "jpegtran", "colour", "size"});
         // No metadata; every transform here is perfect.
         const QStringList options = colour == "grey" ? QStringList{ "-grayscale" } : QStringList{ "-sample", colour };
         const QString in = makeJpeg(detailedPhoto(size), "lossless.jpg", 85, options), out = path("lossless-out.jpg");
@@ -88,25 +83,6 @@ private slots:
         }
     }
 
-    void losslessRefusesDamage_data()
-    {
-        QTest::addColumn<int>("cutAt"); // per mille of the stream kept
-        QTest::newRow("cut in the first strip's rows") << 300;
-        QTest::newRow("cut in the second strip's rows") << 900;
-    }
-
-    // Any libjpeg warning fails the turn: a stream cut short must not come
-    // out as a picture with grey blocks.
-    void losslessRefusesDamage()
-    {
-        QFETCH(int, cutAt);
-        const QByteArray whole = bytes(makeJpeg(detailedPhoto(QSize(1280, 1024)), "cut.jpg", 90, { "-sample", "2x2" }));
-        const MMOrientation right = MMOrientation::rotation(90);
-        QVERIFY(!MMJpegCodec::transform(whole, right, true, false).isEmpty());
-
-        QVERIFY(MMJpegCodec::transform(whole.left(whole.size() * cutAt / 1000), right, true, false).isEmpty());
-    }
-
     void identityChainLeavesBytesUnchanged()
     {
         // 100x70 allows no perfect transform: nothing may be re-encoded.
@@ -122,9 +98,7 @@ private slots:
 
     void orientationsComeOutUpright_data()
     {
-        QTest::addColumn<int>("orientation");
-        QTest::addColumn<int>("block");
-        QTest::addColumn<QString>("upright");
+        columns<int, int, QString>({"orientation", "block", "upright"});
         // Stored ABC/DEF as it is shown under each orientation, as EXIF defines
         // them. 16-pixel blocks allow a perfect transform, 20-pixel ones do not.
         const char *upright[] = { "ABC/DEF", "CBA/FED", "FED/CBA", "DEF/ABC", "AD/BE/CF", "DA/EB/FC", "FC/EB/DA", "CF/BE/AD" };
@@ -136,9 +110,7 @@ private slots:
 
     void orientationsComeOutUpright()
     {
-        QFETCH(int, orientation);
-        QFETCH(int, block);
-        QFETCH(QString, upright);
+        auto [orientation, block, upright] = fetch<int, int, QString>({"orientation", "block", "upright"});
         const QString in = makeJpeg(fromLetters("ABC/DEF").scaled(3 * block, 2 * block), "oriented.jpg", 95);
         QVERIFY(run("exiftool", { "-q", "-overwrite_original", QString("-Orientation#=%1").arg(orientation), in }));
         const QString out = path("oriented-out.jpg");
@@ -179,11 +151,7 @@ private slots:
 
     void regionDecodeEqualsFullDecode_data()
     {
-        QTest::addColumn<QString>("sampling");
-        QTest::addColumn<int>("scale");
-        QTest::addColumn<QRect>("rect");
-        QTest::addColumn<int>("orientation");
-        QTest::addColumn<QSize>("size");
+        columns<QString, int, QRect, int, QSize>({"sampling", "scale", "rect", "orientation", "size"});
         // Odd offsets inside blocks, the picture's edges, every orientation.
         QTest::newRow("4:2:0 inner") << "2x2" << 1 << QRect(37, 21, 101, 77) << 1 << QSize(176, 120);
         QTest::newRow("4:2:0 on block edges") << "2x2" << 1 << QRect(32, 32, 64, 48) << 1 << QSize(176, 120);
@@ -209,11 +177,8 @@ private slots:
 
     void regionDecodeEqualsFullDecode()
     {
-        QFETCH(QString, sampling);
-        QFETCH(int, scale);
-        QFETCH(QRect, rect);
-        QFETCH(int, orientation);
-        QFETCH(QSize, size);
+        auto [sampling, scale, rect, orientation, size] =
+            fetch<QString, int, QRect, int, QSize>({"sampling", "scale", "rect", "orientation", "size"});
         const QStringList colour = sampling == "grey" ? QStringList{ "-grayscale" } : ("-sample " + sampling).split(' ');
         const QString jpeg = makeJpeg(photo(size.width(), size.height()), "region.jpg", 85, colour);
         QVERIFY(!jpeg.isEmpty());
@@ -232,39 +197,9 @@ private slots:
         QCOMPARE(packed.convertToFormat(region.format()), region);
     }
 
-    void splitDecodeRefusesDamageInEitherPart_data()
-    {
-        QTest::addColumn<int>("component"); // whose first AC scan is damaged
-        QTest::newRow("luma's scan") << 1;
-        QTest::newRow("chroma's scan") << 3;
-    }
-
-    // Each part of a progressive picture decoded by component reads only some
-    // of the scans: damage in a scan either part reads must still fail the
-    // whole decode, never come out as a picture.
-    void splitDecodeRefusesDamageInEitherPart()
-    {
-        QFETCH(int, component);
-        QByteArray data = bytes(makeJpeg(detailedPhoto(QSize(1280, 1024)), "damaged.jpg", 90, { "-progressive" }));
-        const QSize size(1280, 1024);
-        QVERIFY(!MMJpegRegionDecoder::decode(data, size, 1, QRect(QPoint(), size), MMOrientation(), QImage::Format_RGB32)
-                     .isNull());
-        // An AC scan header: FF DA, length 8, one component, its id.
-        const QByteArray header = QByteArray("\xFF\xDA\x00\x08\x01", 5) + char(component);
-        const qsizetype scan = data.indexOf(header);
-        QVERIFY(scan > 0);
-        // A marker in the middle of the scan's coded data cuts it short.
-        data[scan + 400] = char(0xFF);
-        data[scan + 401] = char(0xD3);
-
-        QVERIFY(MMJpegRegionDecoder::decode(data, size, 1, QRect(QPoint(), size), MMOrientation(), QImage::Format_RGB32)
-                    .isNull());
-    }
-
     void plannedSaveMatchesNaiveReplay_data()
     {
-        QTest::addColumn<int>("orientation");
-        QTest::addColumn<QString>("commands");
+        columns<int, QString>({"orientation", "commands"});
         QTest::newRow("crop") << 1 << "c21,13,77,51";
         QTest::newRow("turn, mirror, crop") << 1 << "r90 mh c11,19,50,71";
         QTest::newRow("half size") << 1 << "s88,60";
@@ -276,8 +211,7 @@ private slots:
 
     void plannedSaveMatchesNaiveReplay()
     {
-        QFETCH(int, orientation);
-        QFETCH(QString, commands);
+        auto [orientation, commands] = fetch<int, QString>({"orientation", "commands"});
         const QString in = makeJpeg(photo(176, 120), "plan.jpg", 90), out = path("plan-out.jpg");
         QVERIFY(run("exiftool", { "-q", "-overwrite_original", QString("-Orientation#=%1").arg(orientation), in }));
         CommandList list;
@@ -300,9 +234,7 @@ private slots:
 
     void shrinkWhileDecodingAveragesAreas_data()
     {
-        QTest::addColumn<QSize>("size");
-        QTest::addColumn<int>("orientation");
-        QTest::addColumn<QSize>("target");
+        columns<QSize, int, QSize>({"size", "orientation", "target"});
         QTest::newRow("half, one thread") << QSize(300, 200) << 1 << QSize(150, 100);
         QTest::newRow("uneven, turned right, two threads") << QSize(1280, 1024) << 6 << QSize(391, 517);
         QTest::newRow("just below full, mirrored") << QSize(1281, 1023) << 2 << QSize(1280, 1021);
@@ -313,9 +245,7 @@ private slots:
     // the full decode.
     void shrinkWhileDecodingAveragesAreas()
     {
-        QFETCH(QSize, size);
-        QFETCH(int, orientation);
-        QFETCH(QSize, target);
+        auto [size, orientation, target] = fetch<QSize, int, QSize>({"size", "orientation", "target"});
         const QString jpeg = makeJpeg(photo(size.width(), size.height()), "shrink.jpg", 90);
         const QString full = path("shrink-full.ppm"), reference = path("shrink-ref.ppm");
         QVERIFY(run("djpeg", { "-pnm", "-outfile", full, jpeg }));
@@ -334,8 +264,7 @@ private slots:
 
     void progressiveEighthReadsOnlyWhatItNeeds_data()
     {
-        QTest::addColumn<QString>("colour");
-        QTest::addColumn<QSize>("size");
+        columns<QString, QSize>({"colour", "size"});
         QTest::newRow("4:2:2") << "-sample 2x1" << QSize(1203, 901);
         QTest::newRow("4:2:0") << "-sample 2x2" << QSize(640, 480);
         QTest::newRow("grey") << "-grayscale" << QSize(333, 250);
@@ -346,8 +275,7 @@ private slots:
     // before then is refused.
     void progressiveEighthReadsOnlyWhatItNeeds()
     {
-        QFETCH(QString, colour);
-        QFETCH(QSize, size);
+        auto [colour, size] = fetch<QString, QSize>({"colour", "size"});
         const QString jpeg = makeJpeg(detailedPhoto(size), "eighth.jpg", 95, colour.split(' ') + QStringList{ "-progressive" });
         QVERIFY(!jpeg.isEmpty());
         QByteArray reference;
@@ -368,10 +296,7 @@ private slots:
 
     void stripEncodeDecodesAsOnePiece_data()
     {
-        QTest::addColumn<QSize>("size");
-        QTest::addColumn<QString>("sampling");
-        QTest::addColumn<int>("quality");
-        QTest::addColumn<bool>("progressive");
+        columns<QSize, QString, int, bool>({"size", "sampling", "quality", "progressive"});
         QTest::newRow("4:2:0, partial blocks at the edges") << QSize(1283, 1021) << "2x2" << 90 << false;
         QTest::newRow("4:2:2 tall") << QSize(700, 3001) << "2x1" << 92 << false;
         QTest::newRow("4:4:4, more strips than threads") << QSize(2048, 2056) << "1x1" << 90 << false;
@@ -390,10 +315,7 @@ private slots:
     // djpeg: the same coefficients, however the stream is cut.
     void stripEncodeDecodesAsOnePiece()
     {
-        QFETCH(QSize, size);
-        QFETCH(QString, sampling);
-        QFETCH(int, quality);
-        QFETCH(bool, progressive);
+        auto [size, sampling, quality, progressive] = fetch<QSize, QString, int, bool>({"size", "sampling", "quality", "progressive"});
         QImage image = detailedPhoto(size);
         const bool grey = sampling == "grey";
         if (grey)
@@ -417,10 +339,8 @@ private slots:
 
     void planeDecodeEqualsRawDecode_data()
     {
-        QTest::addColumn<QString>("colour");
-        QTest::addColumn<QSize>("size");
-        QTest::addColumn<int>("orientation");
-        QTest::addColumn<int>("turned"); // the planes' subsampling; -1: unsuited
+        // turned: the planes' subsampling; -1: unsuited
+        columns<QString, QSize, int, int>({"colour", "size", "orientation", "turned"});
         // Above a megapixel two parts decode, the second from the middle.
         QTest::newRow("4:2:2 turned right, odd height") << "-sample 2x1" << QSize(1283, 1021) << 6 << int(MMJpegHeader::Sub440);
         QTest::newRow("4:2:0 turned left") << "-sample 2x2" << QSize(1290, 1022) << 8 << int(MMJpegHeader::Sub420);
@@ -444,10 +364,7 @@ private slots:
     // the stored picture, turned: no sample lost, moved or recomputed.
     void planeDecodeEqualsRawDecode()
     {
-        QFETCH(QString, colour);
-        QFETCH(QSize, size);
-        QFETCH(int, orientation);
-        QFETCH(int, turned);
+        auto [colour, size, orientation, turned] = fetch<QString, QSize, int, int>({"colour", "size", "orientation", "turned"});
         const QByteArray data = bytes(makeJpeg(detailedPhoto(size), "planes.jpg", 90, colour.split(' ')));
         QVERIFY(!data.isEmpty());
         const MMOrientation turn = MMOrientation::fromExif(orientation);
@@ -485,34 +402,42 @@ private slots:
         }
     }
 
-    void planeDecodeRefusesDamage_data()
+    void damageIsRefused_data()
     {
-        QTest::addColumn<QString>("colour");
-        QTest::addColumn<int>("component"); // whose first AC scan is hit; -1: any scan
-        QTest::addColumn<double>("at"); // where in the coded data (or that scan's), as a share of it
-        QTest::addColumn<bool>("cut");
-        QTest::newRow("damage in the first part's rows") << "-sample 2x1" << -1 << 0.1 << false;
-        QTest::newRow("damage in the second part's rows only") << "-sample 2x1" << -1 << 0.95 << false;
-        QTest::newRow("cut short") << "-sample 2x1" << -1 << 0.5 << true;
-        QTest::newRow("progressive, damage in a luma scan") << "-sample 2x1 -progressive" << 0 << 0.5 << false;
-        QTest::newRow("progressive, damage in a chroma scan") << "-sample 2x1 -progressive" << 2 << 0.5 << false;
-        QTest::newRow("progressive, cut short") << "-sample 2x1 -progressive" << -1 << 0.7 << true;
+        // component: whose first AC scan is hit; -1: any scan. at: where in the
+        // coded data (or that scan's), as a share of it.
+        columns<QString, QSize, int, double, bool>({"colour", "size", "component", "at", "cut"});
+        const QSize odd(1283, 1021), even(1280, 1024);
+        QTest::newRow("damage in the first part's rows") << "-sample 2x1" << odd << -1 << 0.1 << false;
+        QTest::newRow("damage in the second part's rows only") << "-sample 2x1" << odd << -1 << 0.95 << false;
+        QTest::newRow("cut short") << "-sample 2x1" << odd << -1 << 0.5 << true;
+        QTest::newRow("progressive, damage in a luma scan") << "-sample 2x1 -progressive" << odd << 0 << 0.5 << false;
+        QTest::newRow("progressive, damage in a chroma scan") << "-sample 2x1 -progressive" << odd << 2 << 0.5 << false;
+        QTest::newRow("progressive, cut short") << "-sample 2x1 -progressive" << odd << -1 << 0.7 << true;
+        // Whole blocks: the lossless turn codes these in strips on two threads.
+        QTest::newRow("strips, cut in the first strip's rows") << "-sample 2x2" << even << -1 << 0.3 << true;
+        QTest::newRow("strips, cut in the second strip's rows") << "-sample 2x2" << even << -1 << 0.9 << true;
+        QTest::newRow("strips, progressive, damage in luma's scan") << "-sample 2x2 -progressive" << even << 0 << 0.5 << false;
+        QTest::newRow("strips, progressive, damage in chroma's scan") << "-sample 2x2 -progressive" << even << 2 << 0.5 << false;
     }
 
-    // Damage that either part reads fails the decode and the save, whichever
-    // part reads it (the second of a sequential stream reads the first's
-    // rows only to skip them; a progressive one's parts read luma's scans
-    // and chroma's).
-    void planeDecodeRefusesDamage()
+    // Damage that any part of any decoder reads fails that decoder and the
+    // save, never a picture with grey blocks: the plane decoder's and the
+    // region decoder's parts (the second of a sequential stream reads the
+    // first's rows only to skip them; a progressive one's parts read luma's
+    // scans and chroma's), and the lossless turn's strips, where it applies.
+    void damageIsRefused()
     {
-        QFETCH(QString, colour);
-        QFETCH(int, component);
-        QFETCH(double, at);
-        QFETCH(bool, cut);
-        const QString in = makeJpeg(detailedPhoto(QSize(1283, 1021)), "planes-damaged.jpg", 90, colour.split(' '));
+        auto [colour, size, component, at, cut] = fetch<QString, QSize, int, double, bool>({"colour", "size", "component", "at", "cut"});
+        const QString in = makeJpeg(detailedPhoto(size), "damaged.jpg", 90, colour.split(' '));
         QByteArray data = bytes(in);
+        const MMOrientation right = MMOrientation::rotation(90);
+        const QRect whole(QPoint(), size);
         MMYuvPlanes planes;
-        QCOMPARE(MMJpegPlaneDecoder::decode(data, MMOrientation::rotation(90), &planes), MMJpegPlaneDecoder::Decoded);
+        QCOMPARE(MMJpegPlaneDecoder::decode(data, right, &planes), MMJpegPlaneDecoder::Decoded);
+        QVERIFY(!MMJpegRegionDecoder::decode(data, size, 1, whole, MMOrientation(), QImage::Format_RGB32).isNull());
+        const bool lossless = !MMJpegCodec::transform(data, right, true, false).isEmpty();
+        QCOMPARE(lossless, size == QSize(1280, 1024));
         qsizetype scan = data.indexOf("\xFF\xDA"), end = data.size() - 2;
         for (; component >= 0 && scan > 0; scan = data.indexOf("\xFF\xDA", scan + 2)) {
             // One component (selector 1 + its index), AC coefficients.
@@ -532,8 +457,10 @@ private slots:
             data[where + 1] = char(0xD3);
         }
 
-        QCOMPARE(MMJpegPlaneDecoder::decode(data, MMOrientation::rotation(90), &planes), MMJpegPlaneDecoder::Failed);
-        const QString out = path("planes-damaged-out.jpg");
+        QCOMPARE(MMJpegPlaneDecoder::decode(data, right, &planes), MMJpegPlaneDecoder::Failed);
+        QVERIFY(MMJpegRegionDecoder::decode(data, size, 1, whole, MMOrientation(), QImage::Format_RGB32).isNull());
+        QVERIFY(!lossless || MMJpegCodec::transform(data, right, true, false).isEmpty());
+        const QString out = path("damaged-out.jpg");
         QVERIFY(writeBytes(in, data));
         QCOMPARE(runCommands(in, out, "r90"), -1);
         QVERIFY(!QFile::exists(out));
@@ -541,10 +468,7 @@ private slots:
 
     void progressivePlaneEncodeEqualsOnePiece_data()
     {
-        QTest::addColumn<QString>("colour");
-        QTest::addColumn<QSize>("size");
-        QTest::addColumn<int>("orientation");
-        QTest::addColumn<int>("quality");
+        columns<QString, QSize, int, int>({"colour", "size", "orientation", "quality"});
         QTest::newRow("4:4:0, odd sides, fast DCT") << "-sample 2x1" << QSize(1283, 1021) << 6 << 90;
         QTest::newRow("4:2:0, accurate DCT") << "-sample 2x2" << QSize(1290, 1022) << 1 << 97;
         QTest::newRow("4:4:4, odd sides") << "-sample 1x1" << QSize(1101, 1003) << 8 << 85;
@@ -556,10 +480,7 @@ private slots:
     // encode of the same planes: their raw decodes are the same.
     void progressivePlaneEncodeEqualsOnePiece()
     {
-        QFETCH(QString, colour);
-        QFETCH(QSize, size);
-        QFETCH(int, orientation);
-        QFETCH(int, quality);
+        auto [colour, size, orientation, quality] = fetch<QString, QSize, int, int>({"colour", "size", "orientation", "quality"});
         const QByteArray source = bytes(makeJpeg(detailedPhoto(size), "planes-encode.jpg", 95, colour.split(' ')));
         MMYuvPlanes planes;
         QCOMPARE(MMJpegPlaneDecoder::decode(source, MMOrientation::fromExif(orientation), &planes),
@@ -594,12 +515,9 @@ private slots:
 
     void planeSaveEqualsReferenceTurn_data()
     {
-        QTest::addColumn<QString>("colour");
-        QTest::addColumn<QSize>("size");
-        QTest::addColumn<int>("orientation");
-        QTest::addColumn<QString>("commands");
-        QTest::addColumn<int>("sampling"); // of the saved file
-        QTest::addColumn<double>("psnr"); // at least, in dB
+        // sampling: of the saved file
+        // psnr: at least, in dB
+        columns<QString, QSize, int, QString, int, double>({"colour", "size", "orientation", "commands", "sampling", "psnr"});
         QTest::newRow("4:2:2 turned right") << "-sample 2x1" << QSize(1283, 1021) << 1 << "r90" << int(MMJpegHeader::Sub440) << 42.0;
         QTest::newRow("4:2:0 turned left") << "-sample 2x2" << QSize(1290, 1022) << 1 << "r-90" << int(MMJpegHeader::Sub420) << 42.0;
         QTest::newRow("stored on its side, then mirrored") << "-sample 2x1" << QSize(1283, 1021) << 6 << "mh" << int(MMJpegHeader::Sub440) << 42.0;
@@ -616,12 +534,8 @@ private slots:
     // from the decoded source turned, and its sampling turns with it.
     void planeSaveEqualsReferenceTurn()
     {
-        QFETCH(QString, colour);
-        QFETCH(QSize, size);
-        QFETCH(int, orientation);
-        QFETCH(QString, commands);
-        QFETCH(int, sampling);
-        QFETCH(double, psnr);
+        auto [colour, size, orientation, commands, sampling, psnr] =
+            fetch<QString, QSize, int, QString, int, double>({"colour", "size", "orientation", "commands", "sampling", "psnr"});
         const QString in = makeJpeg(photo(size.width(), size.height()), "planes-save.jpg", 92, colour.split(' '));
         QVERIFY(run("exiftool", { "-q", "-overwrite_original", QString("-Orientation#=%1").arg(orientation), in }));
         const QString out = path("planes-save-out.jpg");

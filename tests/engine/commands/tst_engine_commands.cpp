@@ -1,6 +1,7 @@
 // Commands applied to pictures in memory, checked against pixels worked out
 // by hand.
 #include "EngineTestTools.h"
+#include "datarows.h"
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -30,8 +31,8 @@ private slots:
 
     void commands_data()
     {
-        QTest::addColumn<QString>("commands");
-        QTest::addColumn<QString>("expected"); // "-": refused, picture untouched
+        // expected: "-": refused, picture untouched
+        columns<QString, QString>({"commands", "expected"});
         QTest::newRow("right") << "r90" << "IEA/JFB/KGC/LHD";
         QTest::newRow("half") << "r180" << "LKJI/HGFE/DCBA";
         QTest::newRow("left") << "r-90" << "DHL/CGK/BFJ/AEI";
@@ -61,8 +62,7 @@ private slots:
 
     void commands()
     {
-        QFETCH(QString, commands);
-        QFETCH(QString, expected);
+        auto [commands, expected] = fetch<QString, QString>({"commands", "expected"});
         CommandList list;
         parseCommands(commands, list, m_dir.path());
         QImage image = fromLetters(kStart), null;
@@ -76,8 +76,7 @@ private slots:
 
     void resize_data()
     {
-        QTest::addColumn<QSize>("target");
-        QTest::addColumn<bool>("reduced");
+        columns<QSize, bool>({"target", "reduced"});
         QTest::newRow("tenfold smaller") << QSize(12, 12) << true;
         QTest::newRow("smaller, unevenly") << QSize(40, 60) << true;
         QTest::newRow("one pixel") << QSize(1, 1) << true;
@@ -86,8 +85,7 @@ private slots:
 
     void resize()
     {
-        QFETCH(QSize, target);
-        QFETCH(bool, reduced);
+        auto [target, reduced] = fetch<QSize, bool>({"target", "reduced"});
         // One-pixel checkerboard: area averaging gives mid grey, point sampling
         // black or white.
         QImage image(120, 120, QImage::Format_RGB32);
@@ -107,11 +105,8 @@ private slots:
 
     void effects_data()
     {
-        QTest::addColumn<int>("effect");
-        QTest::addColumn<QSize>("size");
-        QTest::addColumn<QRgb>("background"); // with a centre pixel 40 lighter
-        QTest::addColumn<QPoint>("at");
-        QTest::addColumn<QRgb>("expected");
+        // background: with a centre pixel 40 lighter
+        columns<int, QSize, QRgb, QPoint, QRgb>({"effect", "size", "background", "at", "expected"});
         const QRgb orange = qRgb(200, 100, 50), grey = qRgb(100, 100, 100), sky = qRgb(10, 120, 230);
         const QSize small(5, 5);
         // Grey = round((299 R + 587 G + 114 B) / 1000).
@@ -138,11 +133,7 @@ private slots:
 
     void effects()
     {
-        QFETCH(int, effect);
-        QFETCH(QSize, size);
-        QFETCH(QRgb, background);
-        QFETCH(QPoint, at);
-        QFETCH(QRgb, expected);
+        auto [effect, size, background, at, expected] = fetch<int, QSize, QRgb, QPoint, QRgb>({"effect", "size", "background", "at", "expected"});
         QImage image(size, QImage::Format_RGB32);
         image.fill(background);
         image.setPixel(size.width() / 2, size.height() / 2,

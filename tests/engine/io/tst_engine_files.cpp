@@ -6,6 +6,7 @@
 #include "MMImageScaler.h"
 #include "MMImageDecoder.h"
 #include "requiretool.h"
+#include "datarows.h"
 #include <QColorSpace>
 #include <QDir>
 #include <QTemporaryDir>
@@ -49,9 +50,7 @@ private slots:
 
     void badInputIsRefused_data()
     {
-        QTest::addColumn<QString>("source");
-        QTest::addColumn<QString>("commands");
-        QTest::addColumn<int>("infoResult");
+        columns<QString, QString, int>({"source", "commands", "infoResult"});
         QTest::newRow("missing") << "none.jpg" << "r90" << -1;
         QTest::newRow("zero bytes") << "empty.jpg" << "r90" << -1;
         QTest::newRow("not a picture") << "text.jpg" << "e1" << -1;
@@ -65,9 +64,7 @@ private slots:
 
     void badInputIsRefused()
     {
-        QFETCH(QString, source);
-        QFETCH(QString, commands);
-        QFETCH(int, infoResult);
+        auto [source, commands, infoResult] = fetch<QString, QString, int>({"source", "commands", "infoResult"});
         const QString out = path("keep.jpg");
         QVERIFY(writeBytes(out, "previous"));
         MMImageInfo info{ 7, 7, MM_FORMAT_PNG, 3 }; // all to be reset
@@ -118,8 +115,8 @@ private slots:
     // Sources that take another decoder path still edit like the reference.
     void oddSourcesEditLikeImageMagick_data()
     {
-        QTest::addColumn<QStringList>("make"); // convert arguments that make the source from photo.png
-        QTest::addColumn<QString>("name");
+        // make: convert arguments that make the source from photo.png
+        columns<QStringList, QString>({"make", "name"});
         QTest::newRow("progressive jpeg") << QStringList{ "-interlace", "JPEG", "-quality", "92" } << "prog.jpg";
         QTest::newRow("cmyk jpeg") << QStringList{ "-colorspace", "CMYK", "-quality", "92" } << "cmyk.jpg";
         QTest::newRow("absurd exif") << QStringList{ "-quality", "92" } << "exif.jpg";
@@ -128,8 +125,7 @@ private slots:
 
     void oddSourcesEditLikeImageMagick()
     {
-        QFETCH(QStringList, make);
-        QFETCH(QString, name);
+        auto [make, name] = fetch<QStringList, QString>({"make", "name"});
         VO_REQUIRE_TOOL("convert");
         QVERIFY(run("convert", QStringList{ path("photo.png") } + make + QStringList{ path(name) }));
         if (name == "exif.jpg") {
@@ -151,9 +147,7 @@ private slots:
 
     void runnerMatchesImageMagick_data()
     {
-        QTest::addColumn<QString>("commands");
-        QTest::addColumn<QStringList>("reference");
-        QTest::addColumn<bool>("inPlace");
+        columns<QString, QStringList, bool>({"commands", "reference", "inPlace"});
         QTest::newRow("chain") << "r90 c2,3,10,8 mh e3"
                                << QStringList{ "-rotate", "90", "-crop", "10x8+2+3", "+repage", "-flop", "-negate" } << false;
         QTest::newRow("crop clipped at the edge") << "c20,10,50,50" << QStringList{ "-crop", "11x7+20+10", "+repage" } << false;
@@ -162,9 +156,7 @@ private slots:
 
     void runnerMatchesImageMagick()
     {
-        QFETCH(QString, commands);
-        QFETCH(QStringList, reference);
-        QFETCH(bool, inPlace);
+        auto [commands, reference, inPlace] = fetch<QString, QStringList, bool>({"commands", "reference", "inPlace"});
         VO_REQUIRE_TOOL("convert");
         const QString in = inPlace ? path("inplace.png") : path("photo.png");
         QVERIFY(writeBytes(path("inplace.png"), bytes(path("photo.png"))));

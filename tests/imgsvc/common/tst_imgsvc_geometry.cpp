@@ -13,6 +13,7 @@
 #include "ZOptionsMenu.h"
 #include "ZSoftKey.h"
 #include "ZTheme.h"
+#include "datarows.h"
 #include <QDir>
 #include <QLabel>
 #include <QLineEdit>
@@ -54,8 +55,7 @@ class tst_ImgSvcGeometry : public QObject
 private slots:
     void liesOnScreen_data()
     {
-        QTest::addColumn<QSize>("screen");
-        QTest::addColumn<int>("kind");
+        columns<QSize, int>({"screen", "kind"});
         const QList<QPair<const char *, int>> kinds = {{"storage full", StorageFull}, {"being edited", BeingEdited},
                                                        {"question", Question},        {"wait", Wait},
                                                        {"notice over wait", NoticeOverWait},
@@ -67,8 +67,7 @@ private slots:
 
     void liesOnScreen()
     {
-        QFETCH(QSize, screen);
-        QFETCH(int, kind);
+        auto [screen, kind] = fetch<QSize, int>({"screen", "kind"});
         qputenv("VO_SCREEN_SIZE", QByteArray::number(screen.width()) + 'x' + QByteArray::number(screen.height()));
         auto main = std::make_unique<ZKbMainWidget>();
         main->setMainWidgetTitle("Edit");

@@ -6,6 +6,7 @@
 #include "ImgSvcResizeDlg.h"
 #include "ImgSvcResizeMgr.h"
 #include "MMEffectCommand.h"
+#include "datarows.h"
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -23,8 +24,7 @@ private slots:
 
     void sizeChoicesKeepAspectAndShrink_data()
     {
-        QTest::addColumn<QSize>("input");
-        QTest::addColumn<Sizes>("mustOffer");
+        columns<QSize, Sizes>({"input", "mustOffer"});
         QTest::newRow("4:3 photo") << QSize(4000, 3000) << Sizes{{3000, 2250}, {2000, 1500}, {1000, 750}, {1280, 960}, {640, 480}, {320, 240}};
         QTest::newRow("portrait photo") << QSize(3000, 4000) << Sizes{{960, 1280}, {480, 640}, {240, 320}};
         QTest::newRow("wide panorama") << QSize(5000, 1000) << Sizes{{1280, 256}, {640, 128}, {320, 64}};
@@ -36,8 +36,7 @@ private slots:
 
     void sizeChoicesKeepAspectAndShrink()
     {
-        QFETCH(QSize, input);
-        QFETCH(Sizes, mustOffer);
+        auto [input, mustOffer] = fetch<QSize, Sizes>({"input", "mustOffer"});
         const Sizes choices = ImgSvcResizeDlg::sizeChoices(input);
         QCOMPARE(choices.isEmpty(), mustOffer.isEmpty());
         for (const QSize &s : mustOffer)
@@ -54,10 +53,8 @@ private slots:
 
     void keysChooseTheSize_data()
     {
-        QTest::addColumn<QSize>("input");
-        QTest::addColumn<Keys>("keys");
-        QTest::addColumn<QSize>("target"); // invalid: left as it was
-        QTest::addColumn<int>("result");
+        // target: invalid: left as it was
+        columns<QSize, Keys, QSize, int>({"input", "keys", "target", "result"});
         const QSize photo(4000, 3000);
         QTest::newRow("select takes the largest") << photo << Keys{Qt::Key_Select, Qt::Key_Down, Qt::Key_Select} << QSize(3000, 2250) << 0;
         QTest::newRow("down twice, left soft key") << photo << Keys{Qt::Key_Down, Qt::Key_Down, Qt::Key_Context1} << QSize(1280, 960) << 0;
@@ -69,10 +66,7 @@ private slots:
 
     void keysChooseTheSize()
     {
-        QFETCH(QSize, input);
-        QFETCH(Keys, keys);
-        QFETCH(QSize, target);
-        QFETCH(int, result);
+        auto [input, keys, target, result] = fetch<QSize, Keys, QSize, int>({"input", "keys", "target", "result"});
         ReportRecorder rec;
         ImgSvcResizeMgr mgr;
         mgr.getResizeCtl()->setEventReceiver(&rec);

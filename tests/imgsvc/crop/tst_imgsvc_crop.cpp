@@ -2,6 +2,7 @@
 #include "ImgSvcCropCtl.h"
 #include "ImgSvcCropMgr.h"
 #include "ImgSvcPreviewScale.h"
+#include "datarows.h"
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -18,12 +19,9 @@ private slots:
 
     void keysShapeTheRectangle_data()
     {
-        QTest::addColumn<bool>("large");
-        QTest::addColumn<QPoint>("start");
-        QTest::addColumn<QPoint>("steps"); // small, large
-        QTest::addColumn<Keys>("keys");
-        QTest::addColumn<QRect>("rect");
-        QTest::addColumn<int>("result"); // -1: none
+        // steps: small, large
+        // result: -1: none
+        columns<bool, QPoint, QPoint, Keys, QRect, int>({"large", "start", "steps", "keys", "rect", "result"});
         // 200 x 100 starts as 160 x 80 centred; a fresh step is 2 pixels
         // (a hundredth of the longer side), a held one grows to 20.
         const QPoint at(100, 50), fine(1, 15);
@@ -50,12 +48,8 @@ private slots:
 
     void keysShapeTheRectangle()
     {
-        QFETCH(bool, large);
-        QFETCH(QPoint, start);
-        QFETCH(QPoint, steps);
-        QFETCH(Keys, keys);
-        QFETCH(QRect, rect);
-        QFETCH(int, result);
+        auto [large, start, steps, keys, rect, result] =
+            fetch<bool, QPoint, QPoint, Keys, QRect, int>({"large", "start", "steps", "keys", "rect", "result"});
         ReportRecorder rec;
         ImgSvcCropMgr mgr(nullptr, nullptr);
         ImgSvcCropCtl *ctl = mgr.getCropCtl();
@@ -75,18 +69,14 @@ private slots:
     // little more than a tenth).
     void sizeInPicturePixels_data()
     {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<bool>("turned");
-        QTest::addColumn<QSize>("shown");
+        columns<QString, bool, QSize>({"name", "turned", "shown"});
         QTest::newRow("the preview") << "prev.png" << false << QSize(1599, 799);
         QTest::newRow("a copy named after it, turned") << "tempsmall_prev.png" << true << QSize(799, 1599);
         QTest::newRow("another picture") << "other.png" << false << QSize(160, 80);
     }
     void sizeInPicturePixels()
     {
-        QFETCH(QString, name);
-        QFETCH(bool, turned);
-        QFETCH(QSize, shown);
+        auto [name, turned, shown] = fetch<QString, bool, QSize>({"name", "turned", "shown"});
         ImgSvcPreviewScale::record(m_dir.filePath("prev.png"), QSize(200, 100), QSize(2000, 1000));
         MMImageSource input;
         writeSource(input, m_dir.filePath(name), quadrantImage(turned ? 100 : 200, turned ? 200 : 100));

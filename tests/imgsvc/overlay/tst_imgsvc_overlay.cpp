@@ -3,6 +3,7 @@
 #include "ImgSvcOverlayCtl.h"
 #include "ImgSvcOverlayMgr.h"
 #include "MMOverlayImageCommand.h"
+#include "datarows.h"
 #include <QFile>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -30,9 +31,7 @@ private slots:
 
     void keysPlaceElements_data()
     {
-        QTest::addColumn<Keys>("keys");
-        QTest::addColumn<Rects>("placed");
-        QTest::addColumn<int>("files");
+        columns<Keys, Rects, int>({"keys", "placed", "files"});
         using Qt::Key_Left, Qt::Key_Right, Qt::Key_Up, Qt::Key_Down, Qt::Key_Select;
         const QRect star(176, 76, 50, 50);
         QTest::newRow("star moved, then placed") << Keys{Key_Select, Key_Right, Key_Down, Key_Down, Key_Select} << Rects{star.translated(3, 6)} << 1;
@@ -49,9 +48,7 @@ private slots:
 
     void keysPlaceElements()
     {
-        QFETCH(Keys, keys);
-        QFETCH(Rects, placed);
-        QFETCH(int, files);
+        auto [keys, placed, files] = fetch<Keys, Rects, int>({"keys", "placed", "files"});
         ReportRecorder rec;
         auto mgr = makeMgr(&rec);
         sendKeys(mgr.get(), keys);
@@ -74,16 +71,14 @@ private slots:
 
     void ownershipOfCommandsAndFiles_data()
     {
-        QTest::addColumn<int>("key");
-        QTest::addColumn<int>("result");
+        columns<int, int>({"key", "result"});
         QTest::newRow("done hands them over") << int(Qt::Key_Context1) << 0;
         QTest::newRow("back deletes them with the screen") << int(Qt::Key_Context2) << 1;
     }
 
     void ownershipOfCommandsAndFiles()
     {
-        QFETCH(int, key);
-        QFETCH(int, result);
+        auto [key, result] = fetch<int, int>({"key", "result"});
         ReportRecorder rec;
         auto mgr = makeMgr(&rec);
         sendKeys(mgr.get(), {Qt::Key_Select, Qt::Key_Select});
@@ -117,15 +112,13 @@ private slots:
     // today otherwise.
     void dateStampShowsCaptureDate_data()
     {
-        QTest::addColumn<QString>("taken");
-        QTest::addColumn<QDate>("shown");
+        columns<QString, QDate>({"taken", "shown"});
         QTest::newRow("taken on a known day") << "2019:07:14 10:11:12" << QDate(2019, 7, 14);
         QTest::newRow("no date in the photo") << QString() << QDate::currentDate();
     }
     void dateStampShowsCaptureDate()
     {
-        QFETCH(QString, taken);
-        QFETCH(QDate, shown);
+        auto [taken, shown] = fetch<QString, QDate>({"taken", "shown"});
         if (QStandardPaths::findExecutable("exiftool").isEmpty())
             QSKIP("exiftool is needed to date the photo");
         const QString photo = m_dir.filePath(QString("taken-%1.jpg").arg(QTest::currentDataTag()));

@@ -3,6 +3,7 @@
 #include "ImgSvcSaveMgr.h"
 #include "ImgSvcSaveNamePage.h"
 #include "ZPopup.h"
+#include "datarows.h"
 #include <QDir>
 #include <QLineEdit>
 #include <QTemporaryDir>
@@ -24,10 +25,10 @@ private slots:
 
     void saveAndSaveAs_data()
     {
-        QTest::addColumn<QString>("typed"); // null: the offered name stays
-        QTest::addColumn<Keys>("keys");
-        QTest::addColumn<QString>("name"); // relative to the original's folder; null: none
-        QTest::addColumn<int>("result");   // -1: refused, the name entry stays
+        // typed: null: the offered name stays
+        // name: relative to the original's folder; null: none
+        // result: -1: refused, the name entry stays
+        columns<QString, Keys, QString, int>({"typed", "keys", "name", "result"});
         const int left = Qt::Key_Context1, right = Qt::Key_Context2, select = Qt::Key_Select;
         QTest::newRow("save") << QString() << Keys{select, left, left, right} << QString() << 0;
         QTest::newRow("save as the offered name") << QString() << Keys{right, left, left, right} << "holiday.photo_edited.png" << 1;
@@ -49,10 +50,7 @@ private slots:
 
     void saveAndSaveAs()
     {
-        QFETCH(QString, typed);
-        QFETCH(Keys, keys);
-        QFETCH(QString, name);
-        QFETCH(int, result);
+        auto [typed, keys, name, result] = fetch<QString, Keys, QString, int>({"typed", "keys", "name", "result"});
         ReportRecorder rec;
         auto mgr = makeMgr(&rec);
         QLineEdit *edit = mgr->namePage()->lineEdit();
@@ -115,16 +113,15 @@ private slots:
     // beside it, and the page names the folder the typed name lands in.
     void folderOfEditedFile_data()
     {
-        QTest::addColumn<QString>("typed"); // null: the offered name
-        QTest::addColumn<QString>("folder");
+        // typed: null: the offered name
+        columns<QString, QString>({"typed", "folder"});
         QTest::newRow("offered") << QString() << "";
         QTest::newRow("relative sub-folder") << "album/a.png" << "album";
         QTest::newRow("absolute") << "/tmp/a.png" << "/tmp";
     }
     void folderOfEditedFile()
     {
-        QFETCH(QString, typed);
-        QFETCH(QString, folder);
+        auto [typed, folder] = fetch<QString, QString>({"typed", "folder"});
         ReportRecorder rec;
         auto mgr = std::make_unique<ImgSvcSaveMgr>(nullptr, nullptr);
         mgr->getSaveCtl()->setOutput(&m_output);
