@@ -7,6 +7,7 @@
 #include <QtTest>
 #include <array>
 #include <tuple>
+#include <utility>
 
 template <typename... T> void columns(const std::array<const char *, sizeof...(T)> &names)
 {
@@ -14,8 +15,13 @@ template <typename... T> void columns(const std::array<const char *, sizeof...(T
     (QTest::addColumn<T>(names[i++]), ...);
 }
 
+template <typename... T, std::size_t... I>
+std::tuple<T...> fetchRow(const std::array<const char *, sizeof...(T)> &names, std::index_sequence<I...>)
+{
+    return std::tuple<T...>{ *static_cast<T *>(QTest::qData(names[I], qMetaTypeId<T>()))... };
+}
+
 template <typename... T> std::tuple<T...> fetch(const std::array<const char *, sizeof...(T)> &names)
 {
-    std::size_t i = 0; // braced initializers are evaluated in order
-    return std::tuple<T...>{*static_cast<T *>(QTest::qData(names[i++], qMetaTypeId<T>()))...};
+    return fetchRow<T...>(names, std::index_sequence_for<T...>());
 }
