@@ -3,6 +3,7 @@
 // misnamed files through the engine and through the demo host, and the
 // inputs the fuzzers found.
 #include "EngineTestTools.h"
+#include "datarows.h"
 #include "MMDecodeBudget.h"
 #include "MMImageDecoder.h"
 #include "MMImageHeader.h"
@@ -140,10 +141,7 @@ private slots:
     // was.
     void bombIsRefusedFromItsHeader_data()
     {
-        QTest::addColumn<QByteArray>("format");
-        QTest::addColumn<int>("subsampling");
-        QTest::addColumn<bool>("progressive");
-        QTest::addColumn<QSize>("claimed");
+        columns<QByteArray, int, bool, QSize>({"format", "subsampling", "progressive", "claimed"});
         const QSize bomb(10000, 10000);
         // One pixel row more than the budget allows.
         const QSize over(6144, int(MMDecodeBudget::MaxPixels / 6144) + 1);
@@ -161,10 +159,7 @@ private slots:
 
     void bombIsRefusedFromItsHeader()
     {
-        QFETCH(QByteArray, format);
-        QFETCH(int, subsampling);
-        QFETCH(bool, progressive);
-        QFETCH(QSize, claimed);
+        auto [format, subsampling, progressive, claimed] = fetch<QByteArray, int, bool, QSize>({"format", "subsampling", "progressive", "claimed"});
         // Qt writes no GIF: a whole 1 x 1 one, made by hand.
         static const QByteArray gif("GIF89a\x01\0\x01\0\x80\0\0\0\0\0\xFF\xFF\xFF,\0\0\0\0\x01\0\x01\0\0\x02\x02" "D\x01\0;", 35);
         const QByteArray small = format == "gif" ? gif
@@ -188,8 +183,7 @@ private slots:
 
     void extraMemoryOnlyWhereItIsToSpare_data()
     {
-        QTest::addColumn<qint64>("bytes");
-        QTest::addColumn<bool>("spared");
+        columns<qint64, bool>({"bytes", "spared"});
         QTest::newRow("a second decoder of a small picture") << qint64(1) * 1024 * 1024 << true;
         QTest::newRow("more than any machine has") << (qint64(1) << 50) << false;
         QTest::newRow("nonsense") << qint64(-1) << false;
@@ -199,8 +193,7 @@ private slots:
     // ask the system first; a wrong reading would put them on every handset.
     void extraMemoryOnlyWhereItIsToSpare()
     {
-        QFETCH(qint64, bytes);
-        QFETCH(bool, spared);
+        auto [bytes, spared] = fetch<qint64, bool>({"bytes", "spared"});
         QCOMPARE(MMDecodeBudget::canSpareExtra(bytes), spared);
     }
 
@@ -208,8 +201,7 @@ private slots:
     // edited over itself, in each format the budget treats differently.
     void pictureAtTheLimitOpensAndSaves_data()
     {
-        QTest::addColumn<QByteArray>("format");
-        QTest::addColumn<bool>("progressive");
+        columns<QByteArray, bool>({"format", "progressive"});
         QTest::newRow("baseline jpeg") << QByteArray("jpeg") << false;
         QTest::newRow("progressive jpeg") << QByteArray("jpeg") << true;
         QTest::newRow("png") << QByteArray("png") << false;
@@ -217,8 +209,7 @@ private slots:
 
     void pictureAtTheLimitOpensAndSaves()
     {
-        QFETCH(QByteArray, format);
-        QFETCH(bool, progressive);
+        auto [format, progressive] = fetch<QByteArray, bool>({"format", "progressive"});
         const QSize size(6144, int(MMDecodeBudget::MaxPixels / 6144));
         QCOMPARE(qint64(size.width()) * size.height(), MMDecodeBudget::MaxPixels);
         const QString file = path("limit." + format);
@@ -249,9 +240,7 @@ private slots:
     // result, whatever its name says, is the turned picture.
     void damagedOrMisnamedFile_data()
     {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QByteArray>("content");
-        QTest::addColumn<bool>("opens");
+        columns<QString, QByteArray, bool>({"name", "content", "opens"});
         const QImage picture = flows::photo(64, 48);
         const QByteArray png = encoded(picture, "png", MMJpegHeader::Sub420, false);
         const QByteArray jpeg = encoded(picture, "jpeg", MMJpegHeader::Sub444, false);
@@ -269,9 +258,7 @@ private slots:
 
     void damagedOrMisnamedFile()
     {
-        QFETCH(QString, name);
-        QFETCH(QByteArray, content);
-        QFETCH(bool, opens);
+        auto [name, content, opens] = fetch<QString, QByteArray, bool>({"name", "content", "opens"});
         const QString file = path(name);
         QVERIFY(writeBytes(file, content));
         MMImageInfo info;
@@ -288,9 +275,7 @@ private slots:
     // (Empty and cut files get the same notice: see the main frame's test.)
     void hostedEditOfHostileFile_data()
     {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QByteArray>("content");
-        QTest::addColumn<bool>("edited");
+        columns<QString, QByteArray, bool>({"name", "content", "edited"});
         const QImage picture = flows::photo(320, 240);
         const QByteArray png = encoded(picture, "png", MMJpegHeader::Sub420, false);
         const QByteArray jpeg = encoded(picture, "jpeg", MMJpegHeader::Sub444, false);
@@ -303,9 +288,7 @@ private slots:
 
     void hostedEditOfHostileFile()
     {
-        QFETCH(QString, name);
-        QFETCH(QByteArray, content);
-        QFETCH(bool, edited);
+        auto [name, content, edited] = fetch<QString, QByteArray, bool>({"name", "content", "edited"});
         const QString dir = path("hosted-" + QString(QTest::currentDataTag()).replace(' ', '_'));
         QVERIFY(QDir().mkpath(dir));
         const QString file = dir + '/' + name;
@@ -329,8 +312,7 @@ private slots:
     // differently once turned. The save shows what the decoder showed, turned.
     void coefficientsBeyondSequentialCoding_data()
     {
-        QTest::addColumn<QByteArray>("stream");
-        QTest::addColumn<QString>("commands");
+        columns<QByteArray, QString>({"stream", "commands"});
         QTest::addColumn<int>("orientation"); // what the commands make of the picture
         const QByteArray sequential = QByteArray::fromHex(
         "ffd8ffe000104a46494600010100000104010000ffdb00430006040506050406060506070706080a100a0a09090a140e0f0c"
@@ -349,9 +331,7 @@ private slots:
 
     void coefficientsBeyondSequentialCoding()
     {
-        QFETCH(QByteArray, stream);
-        QFETCH(QString, commands);
-        QFETCH(int, orientation);
+        auto [stream, commands, orientation] = fetch<QByteArray, QString, int>({"stream", "commands", "orientation"});
         const QString in = path("beyond.jpg"), out = path("beyond-out.jpg");
         QVERIFY(writeBytes(in, stream));
         // libjpeg's SIMD code on each processor makes its own pixels of such
@@ -374,8 +354,7 @@ private slots:
     // `expected` is the same picture edited by commands that are known good.
     void fuzzFindingReplays_data()
     {
-        QTest::addColumn<QString>("commands");
-        QTest::addColumn<QString>("expected");
+        columns<QString, QString>({"commands", "expected"});
         // QRect's right edge overflowed int (x + width past INT_MAX).
         QTest::newRow("overlay whose right edge passes INT_MAX, off the picture")
             << "mv o755028486,-46,1953329199,28461,element.png r0" << "mv";
@@ -386,8 +365,7 @@ private slots:
 
     void fuzzFindingReplays()
     {
-        QFETCH(QString, commands);
-        QFETCH(QString, expected);
+        auto [commands, expected] = fetch<QString, QString>({"commands", "expected"});
         const QImage picture = flows::detailed(21, 13);
         QVERIFY(picture.save(path("finding.png")));
         QImage element(9, 5, QImage::Format_ARGB32);

@@ -3,6 +3,7 @@
 // the JFIF density and the quality; the chroma sampling the EXIF states; and
 // the capture date the date stamp shows.
 #include "EngineTestTools.h"
+#include "datarows.h"
 #include "MMImageHeader.h"
 #include "MMImageWriter.h"
 #include "MMMetadata.h"
@@ -75,9 +76,7 @@ private slots:
 
     void descriptionSurvivesSaves_data()
     {
-        QTest::addColumn<QSize>("size");
-        QTest::addColumn<QString>("commands");
-        QTest::addColumn<QSize>("expected");
+        columns<QSize, QString, QSize>({"size", "commands", "expected"});
         QTest::newRow("lossless turn") << QSize(128, 96) << "r90" << QSize(96, 128);
         QTest::newRow("re-encoded turn") << QSize(130, 90) << "r-90" << QSize(90, 130);
         QTest::newRow("style") << QSize(128, 96) << "e2" << QSize(128, 96);
@@ -88,9 +87,7 @@ private slots:
     // and a re-encode keeps the source's quality as ImageMagick estimates it.
     void descriptionSurvivesSaves()
     {
-        QFETCH(QSize, size);
-        QFETCH(QString, commands);
-        QFETCH(QSize, expected);
+        auto [size, commands, expected] = fetch<QSize, QString, QSize>({"size", "commands", "expected"});
         const QString in = describedJpeg(QString("in-%1.jpg").arg(QTest::currentDataTag()), size);
         QVERIFY(!in.isEmpty());
         const QStringList before = read(in);
@@ -110,8 +107,7 @@ private slots:
 
     void thumbnailShowsTheSavedPicture_data()
     {
-        QTest::addColumn<QSize>("size");
-        QTest::addColumn<QString>("commands");
+        columns<QSize, QString>({"size", "commands"});
         QTest::newRow("lossless turn") << QSize(400, 304) << "r90";
         QTest::newRow("re-encoded turn") << QSize(410, 290) << "r-90";
         QTest::newRow("turn of a large picture's planes") << QSize(1283, 1022) << "r90";
@@ -122,8 +118,7 @@ private slots:
     // the picture, never the old one.
     void thumbnailShowsTheSavedPicture()
     {
-        QFETCH(QSize, size);
-        QFETCH(QString, commands);
+        auto [size, commands] = fetch<QSize, QString>({"size", "commands"});
         const QString in = path(QString("thumb-in-%1.jpg").arg(QTest::currentDataTag()));
         const QString old = path("old-thumbnail.jpg");
         QVERIFY(photo(size.width(), size.height()).save(in, "JPEG", 90));
@@ -150,10 +145,7 @@ private slots:
 
     void samplingTagFollowsTheFrame_data()
     {
-        QTest::addColumn<int>("subsampling");
-        QTest::addColumn<QSize>("size");
-        QTest::addColumn<QString>("commands");
-        QTest::addColumn<bool>("tagged");
+        columns<int, QSize, QString, bool>({"subsampling", "size", "commands", "tagged"});
         // Whole MCUs turn losslessly; a megapixel picture of odd size turns
         // in its own planes. Both make a turned 4:2:2 frame 4:4:0.
         QTest::newRow("4:2:2, lossless right") << int(MMJpegHeader::Sub422) << QSize(64, 48) << "r90" << true;
@@ -169,10 +161,7 @@ private slots:
     // not added where the source had none.
     void samplingTagFollowsTheFrame()
     {
-        QFETCH(int, subsampling);
-        QFETCH(QSize, size);
-        QFETCH(QString, commands);
-        QFETCH(bool, tagged);
+        auto [subsampling, size, commands, tagged] = fetch<int, QSize, QString, bool>({"subsampling", "size", "commands", "tagged"});
         const QString in = path(QString("sampling-in-%1.jpg").arg(QTest::currentDataTag()));
         const QString out = path(QString("sampling-out-%1.jpg").arg(QTest::currentDataTag()));
         MMEncodeOptions options;
@@ -194,8 +183,7 @@ private slots:
 
     void captureDate_data()
     {
-        QTest::addColumn<QStringList>("tags");
-        QTest::addColumn<QDate>("date");
+        columns<QStringList, QDate>({"tags", "date"});
         QTest::newRow("original") << QStringList{"-DateTimeOriginal=2019:07:14 10:11:12"} << QDate(2019, 7, 14);
         QTest::newRow("digitized only") << QStringList{"-CreateDate=2018:01:02 03:04:05"} << QDate(2018, 1, 2);
         QTest::newRow("camera without a clock") << QStringList{"-DateTimeOriginal#=0000:00:00 00:00:00"} << QDate();
@@ -204,8 +192,7 @@ private slots:
 
     void captureDate()
     {
-        QFETCH(QStringList, tags);
-        QFETCH(QDate, date);
+        auto [tags, date] = fetch<QStringList, QDate>({"tags", "date"});
         const QString file = path(QString("date-%1.jpg").arg(QTest::currentDataTag()));
         QVERIFY(photo(32, 24).save(file, "JPEG"));
         if (!tags.isEmpty())
