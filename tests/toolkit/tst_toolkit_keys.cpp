@@ -96,6 +96,7 @@ private slots:
         QTest::newRow("up wraps") << open << QList<int>{up} << select << "style";
         QTest::newRow("F1, Return") << int(Qt::Key_F1) << QList<int>{down, down} << int(Qt::Key_Return) << "style";
         QTest::newRow("left soft key selects") << open << QList<int>{down} << open << "resize";
+        QTest::newRow("F1 selects") << open << QList<int>{down} << int(Qt::Key_F1) << "resize";
         // A click on the bar does what its label says.
         QTest::newRow("left soft key clicked, twice") << 0 << QList<int>() << 0 << "rotate";
     }
