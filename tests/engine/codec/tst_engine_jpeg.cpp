@@ -371,7 +371,7 @@ private slots:
             if (pattern == "ramp")
                 return c % 2 ? 10 + 2 * x : 230 - 2 * y;
             if (pattern == "blocks")
-                return (x / 3 + y / 2 + c) % 2 ? 255 : 0;
+                return (x / 10 + y / 8 + c) % 2 ? 255 : 0;
             return int((unsigned(x * 7919 + y * 104729 + c * 31) * 2654435761u) >> 24);
         };
         QByteArray pixels(w * h * channels, 0);
