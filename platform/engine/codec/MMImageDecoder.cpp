@@ -27,7 +27,7 @@ QSize fitWithin(const QSize &size, const QSize &bound)
 }
 
 // A reduced JPEG: libjpeg's DCT scaling to the smallest scale still at
-// least target (as Qt's reader picks it), then an area average down to
+// least target (as Qt's reader picks it), then a Lanczos shrink down to
 // target, turned while decoded. Null when the picture would have to grow or
 // libjpeg reports damage (Qt's reader then shows what it can of it).
 QImage decodeJpegReduced(const QString &path, const MMImageHeader &header, const QSize &uprightTarget)

@@ -1,8 +1,8 @@
 #include "MMJpegRegionDecoder.h"
-#include "MMAreaScaler.h"
 #include "MMDecodeBudget.h"
 #include "MMJpegErrorJump.h"
 #include "MMJpegScanSplitter.h"
+#include "MMLanczosScaler.h"
 #include <csetjmp>
 #include <sys/mman.h>
 #include <cstdio>
@@ -29,7 +29,7 @@ struct Decoder
     MMJpegErrorJump error;
     std::vector<unsigned char> band;
     std::vector<unsigned char> shrunk;
-    std::unique_ptr<MMAreaScaler> scaler;
+    std::unique_ptr<MMLanczosScaler> scaler;
 };
 
 // Where pixel (x, y) of the decoded region goes: out + x * stepX + y * stepY.
@@ -250,11 +250,11 @@ bool runPart(Decoder &d, const Job &job, const Share &share)
     const bool shrink = job.target != rect.size();
     int first = firstOut, end = endOut;
     if (shrink)
-        MMAreaScaler::sourceRows(rect.height(), job.target.height(), firstOut, endOut, &first, &end);
+        MMLanczosScaler::sourceRows(rect.height(), job.target.height(), firstOut, endOut, &first, &end);
     const size_t outStride = size_t(job.target.width()) * bpp;
     int pending = 0, pendingFirst = firstOut; // shrunk rows waiting in d.shrunk
     if (shrink) {
-        d.scaler = std::make_unique<MMAreaScaler>(rect.size(), job.target, bpp, firstOut, endOut);
+        d.scaler = std::make_unique<MMLanczosScaler>(rect.size(), job.target, bpp, firstOut, endOut);
         d.shrunk.resize(outStride * kBandRows);
     }
 

@@ -21,8 +21,8 @@ public:
     // rect is in units of the scaled decode; storedSize must match the
     // stream's frame. format is RGB32 or RGB888 (grey files come out as
     // Grayscale8 either way). A valid shrinkTo (the turned result's size,
-    // no larger than the turned rect) averages the decoded pixels down to
-    // it while decoding (MMAreaScaler), so the full-size rect is never
+    // no larger than the turned rect) filters the decoded pixels down to
+    // it while decoding (MMLanczosScaler), so the full-size rect is never
     // held. Null on any failure.
     static QImage decode(const QByteArray &jpeg, const QSize &storedSize, int scaleDenom, const QRect &rect,
                          const MMOrientation &orientation, QImage::Format format, const QSize &shrinkTo = QSize());

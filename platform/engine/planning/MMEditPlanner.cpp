@@ -78,7 +78,7 @@ MMEditPlanner::Plan MMEditPlanner::plan(const QSize &storedSize, const MMOrienta
             && target.width() <= region.width() && target.height() <= region.height();
         if (shrinks) {
             // DCT scaling only down to twice the target: below that it
-            // blurs less than the area average that follows, and aliases.
+            // blurs less than the filter that follows, and aliases.
             const int denom = scaleFor(region, target * 2);
             // A last scaled pixel mostly outside the region is left out; one
             // mostly inside is kept, and what it covers beyond the region is

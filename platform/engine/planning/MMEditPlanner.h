@@ -13,7 +13,7 @@ class MMCommand;
 // it (mapped back into stored pixels), so that only kept pixels are decoded
 // and turned; a following shrink is done while decoding: a scaled decode
 // (libjpeg's 1/2, 1/4, 1/8) down to no less than twice the target, then an
-// area average of what is left.
+// Lanczos shrink of what is left.
 // Whatever follows is applied as it is.
 class MMEditPlanner
 {
