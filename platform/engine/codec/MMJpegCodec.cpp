@@ -1,4 +1,5 @@
 #include "MMJpegCodec.h"
+#include "MMJpegCoefficientRange.h"
 #include "MMJpegLosslessTurner.h"
 #include "MMJpegProgressiveEncoder.h"
 #include "MMJpegStripEncoder.h"
@@ -30,23 +31,18 @@ bool isGrey(const QImage &image)
 }
 
 // Refuses a turned row of blocks holding a coefficient 8-bit coding cannot
-// carry (the lossless turner's check; libjpeg reads such values without a
-// warning). Each encoder writes it its own way, from garbage to a term whose
-// pixels each IDCT's overflow makes differently once turned: the picture
-// saved would not be the one shown. Rows past the picture's last block are
-// padding no encoder writes.
+// carry (libjpeg reads such values without a warning). Each encoder writes
+// it its own way, from garbage to a term whose pixels each IDCT's overflow
+// makes differently once turned: the picture saved would not be the one
+// shown. Rows past the picture's last block are padding no encoder writes.
 int refuseOutOfRange(short *coeffs, tjregion arrayRegion, tjregion planeRegion, int, int, tjtransform *)
 {
     if (arrayRegion.y >= planeRegion.h)
         return 0;
-    const int blocks = arrayRegion.w / 8;
-    int outside = 0;
-    for (int b = 0; b < blocks; ++b, coeffs += 64) {
-        outside |= (coeffs[0] < -1024) | (coeffs[0] > 1023);
-        for (int k = 1; k < 64; ++k)
-            outside |= (coeffs[k] < -1023) | (coeffs[k] > 1023);
-    }
-    return outside ? -1 : 0;
+    bool fits = true;
+    for (int b = 0; b < arrayRegion.w / 8; ++b, coeffs += 64)
+        fits &= MMJpegCoefficientRange::fits(coeffs);
+    return fits ? 0 : -1;
 }
 
 int transformOp(const MMOrientation &orientation)

@@ -1,4 +1,5 @@
 #include "MMJpegLosslessTurner.h"
+#include "MMJpegCoefficientRange.h"
 #include "MMJpegErrorJump.h"
 #include "MMJpegStripJoiner.h"
 #include "MMPagePopulator.h"
@@ -226,22 +227,15 @@ void warm(std::vector<Run> source, const std::vector<std::unique_ptr<Strip>> &st
     }
 }
 
-// Turns one block; false when it holds a coefficient that 8-bit sequential
-// coding cannot carry (an AC beyond 10 bits, or a DC whose difference from
-// a neighbour could pass 11). libjpeg reads such values from a damaged or
-// crafted stream without a warning, and its fast entropy coder would write
-// them as garbage.
-// Fixed index patterns, so that the compiler unrolls and vectorizes both
-// loops; the check reads the source, which the sign changes only in sign.
+// Turns one block; false when it holds a coefficient 8-bit coding cannot
+// carry. Fixed index patterns, so that the compiler unrolls and vectorizes
+// the loop; the check reads the source, which the sign changes only in sign.
 template <bool Swap> bool turnBlock(const JCOEF *__restrict in, JCOEF *__restrict out, const JCOEF *sign)
 {
-    int outside = (in[0] < -1024) | (in[0] > 1023);
-    for (int k = 1; k < DCTSIZE2; ++k)
-        outside |= (in[k] < -1023) | (in[k] > 1023);
     for (int v = 0; v < DCTSIZE; ++v)
         for (int u = 0; u < DCTSIZE; ++u)
             out[v * DCTSIZE + u] = JCOEF(in[Swap ? u * DCTSIZE + v : v * DCTSIZE + u] * sign[v * DCTSIZE + u]);
-    return !outside;
+    return MMJpegCoefficientRange::fits(in);
 }
 
 bool encode(Strip &s, const Job &job)
