@@ -4,8 +4,7 @@
 // Maps memory in before its first write, so that the thread that fills it
 // later takes no page faults: the kernel does it for a whole range at once,
 // without writing the memory, so it is safe beside a thread already writing
-// there. Kernels before 5.14 (and emulators) cannot; the calls then do
-// nothing and say so.
+// there. Kernels before 5.14 cannot; the calls then do nothing and say so.
 class MMPagePopulator
 {
 public:
