@@ -1,6 +1,6 @@
 #include "MMJpegPlaneDecoder.h"
-#include "MMDecodeBudget.h"
 #include "MMJpegErrorJump.h"
+#include "MMJpegReaders.h"
 #include "MMJpegScanSplitter.h"
 #include "MMTurnedPlane.h"
 #include <algorithm>
@@ -32,10 +32,10 @@ struct Layout
     int hMax = 1, vMax = 1;
     int iMcuRows = 0;
     bool progressive = false;
-    // What one decoder of a progressive stream holds: every coefficient.
-    qint64 coefficientBytes = 0;
     // Set when luma's and chroma's scans are decoded apart.
     MMJpegScanSplitter *streams = nullptr;
+    // Set when the bytes may go once read.
+    MMJpegReaders *readers = nullptr;
     // Each plane's samples in stored orientation; luma's only where the
     // picture is (TurboJPEG pads it to whole chroma samples).
     QSize plane[3];
@@ -54,6 +54,7 @@ struct Part
     std::vector<unsigned char> scratch;
     std::vector<JSAMPROW> scratchRows;
     std::vector<JSAMPROW> pointers[3];
+    bool arrived = false; // said to the layout's readers that the stream is read
 };
 
 // Reads the header of the whole stream or, when it is split, of part's;
@@ -90,8 +91,6 @@ bool probe(jpeg_decompress_struct &cinfo, const QByteArray &jpeg, Layout &l)
     for (int c = 0; c < l.count; ++c) {
         l.h[c] = cinfo.comp_info[c].h_samp_factor;
         l.v[c] = cinfo.comp_info[c].v_samp_factor;
-        l.coefficientBytes += qint64(cinfo.comp_info[c].width_in_blocks) * cinfo.comp_info[c].height_in_blocks
-            * DCTSIZE2 * qint64(sizeof(JCOEF));
     }
     // Luma at 1 or 2 each way, chroma at 1: the layouts TurboJPEG codes.
     if (!grey && (l.h[1] != 1 || l.v[1] != 1 || l.h[2] != 1 || l.v[2] != 1 || l.h[0] > 2 || l.v[0] > 2))
@@ -151,6 +150,10 @@ bool decodeRaw(Part &p, const Layout &l, int end, unsigned keep = kAll,
     if (l.streams)
         cinfo.do_block_smoothing = FALSE;
     jpeg_start_decompress(&cinfo);
+    if (l.readers) {
+        p.arrived = true;
+        l.readers->arrive(true);
+    }
     const int perBand = std::max(1, kBandRows / (8 * l.vMax));
     ptrdiff_t stride[3];
     for (int c = 0; c < l.count; ++c) {
@@ -255,7 +258,8 @@ bool decodeRows(Part &p, const Layout &l, int first)
 }
 
 MMJpegPlaneDecoder::Result MMJpegPlaneDecoder::decode(const QByteArray &jpeg, const MMOrientation &orientation,
-                                                      MMYuvPlanes *planes, const ChromaDone &chromaDone)
+                                                      MMYuvPlanes *planes, const ChromaDone &chromaDone,
+                                                      const std::function<void()> &inputRead)
 {
     Layout l;
     {
@@ -286,18 +290,23 @@ MMJpegPlaneDecoder::Result MMJpegPlaneDecoder::decode(const QByteArray &jpeg, co
         && qint64(l.size.width()) * l.size.height() >= kSplitPixels && l.iMcuRows >= 4;
     bool ok = false;
     MMJpegScanSplitter streams;
-    if (l.progressive && large && l.count == 3 && MMDecodeBudget::canSpareExtra(l.coefficientBytes)
-        && streams.split(jpeg)) {
+    if (l.progressive && large && l.count == 3 && streams.split(jpeg)) {
         // Every scan covers the whole picture, so the two parts split by
-        // component: one reads luma's scans, the other chroma's. Each holds
-        // all the coefficients, hence only where memory is to spare.
+        // component: one reads luma's scans, the other chroma's, each
+        // holding its own components' coefficients.
         l.streams = &streams;
+        // Chroma's part does not wait for luma's to have read the stream:
+        // its planes, and their encoder, start sooner.
+        MMJpegReaders readers(2, inputRead, false);
+        l.readers = &readers;
         bool chromaOk = false;
         std::thread worker([&] {
             {
                 Part p;
                 chromaOk = p.error.decompress(
                     p.cinfo, [&] { return decodeRaw(p, l, l.iMcuRows, kChromaOnly, MMJpegScanSplitter::Chroma); });
+                if (!p.arrived)
+                    readers.arrive(false);
             }
             // Luma's scans take longer to read: chroma's thread goes on
             // with the chroma planes meanwhile.
@@ -307,9 +316,13 @@ MMJpegPlaneDecoder::Result MMJpegPlaneDecoder::decode(const QByteArray &jpeg, co
         Part p;
         const bool lumaOk = p.error.decompress(
             p.cinfo, [&] { return decodeRaw(p, l, l.iMcuRows, kLumaOnly, MMJpegScanSplitter::Luma); });
+        if (!p.arrived)
+            readers.arrive(false);
         worker.join();
         ok = lumaOk && chromaOk;
     } else if (!large || l.progressive) {
+        MMJpegReaders readers(1, inputRead);
+        l.readers = l.progressive ? &readers : nullptr;
         Part p;
         ok = p.error.decompress(p.cinfo, [&] { return decodeRaw(p, l, l.iMcuRows); });
     } else {

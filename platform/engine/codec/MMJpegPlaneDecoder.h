@@ -9,8 +9,8 @@
 // conversion, so a turn re-encoded from them keeps the file's own chroma
 // samples. The sampling turns with the planes (4:2:2 becomes 4:4:0 when the
 // axes swap). A large sequential picture is decoded by two threads, each on
-// its own run of rows; a large progressive one, where memory is to spare,
-// by two threads, one on luma's scans and one on chroma's.
+// its own run of rows; a large progressive one by two threads, one on
+// luma's scans and one on chroma's.
 // Any libjpeg warning but "extraneous bytes" fails the decode, as damaged
 // data must not be saved as whole.
 class MMJpegPlaneDecoder
@@ -28,7 +28,12 @@ public:
     // chroma's thread as soon as the Cb and Cr planes are whole, while Y is
     // still being written: it must read only those two. planes is filled
     // in place; after Failed it holds nothing of use.
+    //
+    // inputRead, when given, is called once a progressive stream has been
+    // read whole (before its planes are made): nothing reads jpeg after
+    // that, so the caller may free it.
     using ChromaDone = std::function<void(const MMYuvPlanes &)>;
     static Result decode(const QByteArray &jpeg, const MMOrientation &orientation, MMYuvPlanes *planes,
-                         const ChromaDone &chromaDone = ChromaDone());
+                         const ChromaDone &chromaDone = ChromaDone(),
+                         const std::function<void()> &inputRead = nullptr);
 };

@@ -8,8 +8,10 @@
 #include <cstring>
 #include <thread>
 #include <vector>
+#include <malloc.h>
 // clang-format off
 #include <jpeglib.h>
+#include <jerror.h>
 #include <turbojpeg.h>
 // clang-format on
 
@@ -37,14 +39,120 @@ const jpeg_scan_info kChromaScans[] = {
     { 1, { 2 }, 1, 63, 1, 0 },      { 1, { 1 }, 1, 63, 1, 0 },
 };
 
+// Coefficients of the components an encoder codes only in its DC scan (the
+// luma group's chroma, the chroma group's stand-in luma). libjpeg keeps
+// every block of every component until its last scan; for these only the DC
+// term of each block is kept, and each access gets a window of blocks
+// rebuilt from them (what the last access wrote is kept first). The DC scan
+// reads nothing else, so the stream is the same, and a progressive encoder
+// holds about half the coefficients it would.
+struct DcOnly
+{
+    struct Array
+    {
+        jvirt_barray_ptr array; // libjpeg's own, a few rows, never accessed
+        JDIMENSION blocksPerRow, rows, maxAccess;
+        JCOEF *dc;
+        JBLOCKARRAY window;
+        JDIMENSION writtenFirst, writtenCount;
+    };
+    unsigned components = 0; // bits of the components kept as DC only
+    int requested = 0;
+    int count = 0;
+    Array arrays[3];
+    decltype(jpeg_memory_mgr::request_virt_barray) request = nullptr;
+    decltype(jpeg_memory_mgr::access_virt_barray) access = nullptr;
+};
+
+jvirt_barray_ptr requestDcOnly(j_common_ptr cinfo, int pool, boolean preZero, JDIMENSION blocksPerRow,
+                               JDIMENSION rows, JDIMENSION maxAccess)
+{
+    auto *d = static_cast<DcOnly *>(cinfo->client_data);
+    // libjpeg asks for one array a component, in component order.
+    const int component = d->requested++;
+    if (component >= 3 || !(d->components & (1u << component)))
+        return d->request(cinfo, pool, preZero, blocksPerRow, rows, maxAccess);
+    DcOnly::Array &a = d->arrays[d->count++];
+    a.array = d->request(cinfo, pool, FALSE, blocksPerRow, maxAccess, maxAccess);
+    a.blocksPerRow = blocksPerRow;
+    a.rows = rows;
+    a.maxAccess = maxAccess;
+    const size_t dcBytes = size_t(blocksPerRow) * rows * sizeof(JCOEF);
+    a.dc = static_cast<JCOEF *>(cinfo->mem->alloc_large(cinfo, pool, dcBytes));
+    std::memset(a.dc, 0, dcBytes);
+    a.window = static_cast<JBLOCKARRAY>(cinfo->mem->alloc_small(cinfo, pool, maxAccess * sizeof(JBLOCKROW)));
+    for (JDIMENSION r = 0; r < maxAccess; ++r)
+        a.window[r] = static_cast<JBLOCKROW>(cinfo->mem->alloc_large(cinfo, pool, blocksPerRow * sizeof(JBLOCK)));
+    a.writtenFirst = a.writtenCount = 0;
+    return a.array;
+}
+
+JBLOCKARRAY accessDcOnly(j_common_ptr cinfo, jvirt_barray_ptr array, JDIMENSION first, JDIMENSION count,
+                         boolean writable)
+{
+    auto *d = static_cast<DcOnly *>(cinfo->client_data);
+    for (int i = 0; i < d->count; ++i) {
+        DcOnly::Array &a = d->arrays[i];
+        if (a.array != array)
+            continue;
+        if (count > a.maxAccess || first + count > a.rows || first + count < first)
+            ERREXIT(cinfo, JERR_BAD_VIRTUAL_ACCESS);
+        for (JDIMENSION r = 0; r < a.writtenCount; ++r) {
+            JCOEF *dc = a.dc + size_t(a.writtenFirst + r) * a.blocksPerRow;
+            for (JDIMENSION b = 0; b < a.blocksPerRow; ++b)
+                dc[b] = a.window[r][b][0];
+        }
+        for (JDIMENSION r = 0; r < count; ++r) {
+            const JCOEF *dc = a.dc + size_t(first + r) * a.blocksPerRow;
+            std::memset(a.window[r], 0, a.blocksPerRow * sizeof(JBLOCK));
+            for (JDIMENSION b = 0; b < a.blocksPerRow; ++b)
+                a.window[r][b][0] = dc[b];
+        }
+        a.writtenFirst = first;
+        a.writtenCount = writable ? count : 0;
+        return a.window;
+    }
+    return d->access(cinfo, array, first, count, writable);
+}
+
+// Makes cinfo keep only DC terms of the components no AC scan of scans
+// codes. Before jpeg_start_compress; d must outlive the compression.
+void keepDcOnly(jpeg_compress_struct &cinfo, DcOnly &d, const jpeg_scan_info *scans, int count)
+{
+    unsigned ac = 0;
+    for (int i = 0; i < count; ++i) {
+        for (int c = 0; scans[i].Ss > 0 && c < scans[i].comps_in_scan; ++c)
+            ac |= 1u << scans[i].component_index[c];
+    }
+    d.components = 7u & ~ac;
+    if (!d.components)
+        return;
+    cinfo.client_data = &d;
+    d.request = cinfo.mem->request_virt_barray;
+    d.access = cinfo.mem->access_virt_barray;
+    cinfo.mem->request_virt_barray = requestDcOnly;
+    cinfo.mem->access_virt_barray = accessDcOnly;
+}
+
 // One encoder's state. It outlives the frames a longjmp out of libjpeg
 // skips, so its buffers are freed however the encode ends.
 struct Encoder
 {
     jpeg_compress_struct cinfo;
     MMJpegErrorJump error;
+    DcOnly dcOnly;
+    // The coded stream. It starts in a buffer of a byte a pixel, mostly
+    // never touched (so never resident): libjpeg's own grows by doubling,
+    // copying, and at the end held the old and the new copy at once.
+    unsigned char *reserved = nullptr;
     unsigned char *buffer = nullptr;
     unsigned long size = 0;
+    ~Encoder()
+    {
+        if (reserved != buffer)
+            std::free(reserved);
+        std::free(buffer);
+    }
     // Planes input: one iMCU row of each component, padded to whole blocks.
     std::vector<unsigned char> band[3];
     std::vector<JSAMPROW> rows[3];
@@ -83,6 +191,8 @@ void configure(jpeg_compress_struct &cinfo, int quality, int subsampling, const 
 struct PixelInput
 {
     const QImage &image;
+
+    QSize pictureSize() const { return image.size(); }
 
     void run(jpeg_compress_struct &cinfo, Encoder &, int quality, int subsampling, const jpeg_scan_info *scans,
              int count) const
@@ -138,6 +248,8 @@ struct PlaneInput
         return input;
     }
 
+    QSize pictureSize() const { return picture; }
+
     void run(jpeg_compress_struct &cinfo, Encoder &e, int quality, int subsampling, const jpeg_scan_info *scans,
              int count) const
     {
@@ -186,10 +298,20 @@ bool encodeScans(Encoder &e, const Input &input, int quality, int subsampling, c
         jpeg_destroy_compress(&e.cinfo);
         return false;
     }
+    const QSize picture = input.pictureSize();
+    const size_t expected = size_t(picture.width()) * size_t(picture.height()) + 65536;
+    e.reserved = e.buffer = static_cast<unsigned char *>(std::malloc(expected));
+    e.size = e.buffer ? expected : 0;
     jpeg_mem_dest(&e.cinfo, &e.buffer, &e.size);
+    keepDcOnly(e.cinfo, e.dcOnly, scans, count);
     input.run(e.cinfo, e, quality, subsampling, scans, count);
     jpeg_finish_compress(&e.cinfo);
     jpeg_destroy_compress(&e.cinfo);
+#ifdef __GLIBC__
+    // Its coefficients (tens of MB) go back to the system, not to the heap,
+    // before the next encoder of the same picture asks for its own.
+    malloc_trim(0);
+#endif
     return true;
 }
 
@@ -227,25 +349,30 @@ template <class Input> QByteArray codeChroma(const Input &input, int quality, in
         if (from > 0)
             out = QByteArray(reinterpret_cast<const char *>(chroma.buffer) + from, qsizetype(chroma.size) - from);
     }
-    std::free(chroma.buffer);
     return out;
 }
 
 // Codes input's luma scans while chroma() gives the chroma ones (coded on
-// another thread) and joins them.
+// another thread) and joins them. chromaFirst waits for the chroma scans
+// before luma's encoder takes its memory: when they were started early
+// (beside the decoder) they are mostly done by then, and two encoders'
+// coefficients are never held at once.
 template <class Input, class Chroma>
-QByteArray encodeJoined(const Input &input, int quality, int subsampling, Chroma chroma)
+QByteArray encodeJoined(const Input &input, int quality, int subsampling, Chroma chroma, bool chromaFirst = false)
 {
+    QByteArray tail;
+    if (chromaFirst)
+        tail = chroma();
     Encoder luma;
     const bool lumaOk = encodeScans(luma, input, quality, subsampling, kLumaScans, int(std::size(kLumaScans)));
-    const QByteArray tail = chroma();
+    if (!chromaFirst)
+        tail = chroma();
     QByteArray out;
     if (lumaOk && codedWhole(luma) && !tail.isEmpty()) {
         out.reserve(qsizetype(luma.size) - 2 + tail.size());
         out.append(reinterpret_cast<const char *>(luma.buffer), qsizetype(luma.size) - 2);
         out.append(tail);
     }
-    std::free(luma.buffer);
     return out;
 }
 
@@ -278,7 +405,7 @@ QByteArray MMJpegProgressiveEncoder::encode(const MMYuvPlanes &planes, int quali
     if (!suits(planes))
         return QByteArray();
     if (chromaScans)
-        return encodeJoined(PlaneInput(planes), quality, int(planes.subsampling()), chromaScans);
+        return encodeJoined(PlaneInput(planes), quality, int(planes.subsampling()), chromaScans, true);
     QByteArray chroma;
     std::thread helper([&] { chroma = MMJpegProgressiveEncoder::chromaScans(planes, quality); });
     return encodeJoined(PlaneInput(planes), quality, int(planes.subsampling()), [&] {

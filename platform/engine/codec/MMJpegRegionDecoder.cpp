@@ -1,6 +1,7 @@
 #include "MMJpegRegionDecoder.h"
-#include "MMDecodeBudget.h"
 #include "MMJpegErrorJump.h"
+#include "MMJpegKeptRows.h"
+#include "MMJpegReaders.h"
 #include "MMJpegScanSplitter.h"
 #include "MMLanczosScaler.h"
 #include <csetjmp>
@@ -30,6 +31,8 @@ struct Decoder
     std::vector<unsigned char> band;
     std::vector<unsigned char> shrunk;
     std::unique_ptr<MMLanczosScaler> scaler;
+    MMJpegKeptRows keptRows;
+    bool arrived = false; // said to job.readers that the stream is read
 };
 
 // Where pixel (x, y) of the decoded region goes: out + x * stepX + y * stepY.
@@ -135,6 +138,7 @@ struct Job
     Placement where;     // into the turned result, in target pixels
     bool dcOnly = false; // progressive at 1/8: stop reading once DC is whole
     MMJpegScanSplitter *streams = nullptr; // set when luma and chroma are decoded apart
+    MMJpegReaders *readers = nullptr;      // set when the bytes may go once read
 };
 
 // One decoder's share of a job: target rows [firstOut, endOut), and when the
@@ -223,9 +227,27 @@ bool runPart(Decoder &d, const Job &job, const Share &share)
         cinfo.buffered_image = TRUE;
         cinfo.do_block_smoothing = FALSE;
     }
+    const bool shrink = job.target != job.rect.size();
+    int first = firstOut, end = endOut;
+    if (shrink)
+        MMLanczosScaler::sourceRows(job.rect.height(), job.target.height(), firstOut, endOut, &first, &end);
+    if (!dcOnly) {
+        // A progressive picture's blocks are kept whole only for the rows
+        // this part puts out, and two iMCU rows around them (the context
+        // of upsampling and of skipping).
+        jpeg_calc_output_dimensions(&cinfo);
+        const int iMcu = cinfo.max_v_samp_factor * cinfo.min_DCT_scaled_size;
+        const unsigned all = (1u << cinfo.num_components) - 1;
+        const unsigned mine = !job.streams ? all : share.part == MMJpegScanSplitter::Luma ? 1u : all & ~1u;
+        d.keptRows.install(&cinfo, mine, (job.rect.y() + first) / iMcu - 2, (job.rect.y() + end - 1) / iMcu + 3);
+    }
     jpeg_start_decompress(&cinfo);
     if (dcOnly && !consumeUntilDcWhole(cinfo))
         return false;
+    if (job.readers) {
+        d.arrived = true;
+        job.readers->arrive(true);
+    }
     const QRect all(0, 0, int(cinfo.output_width), int(cinfo.output_height));
     const QRect &rect = job.rect;
     if (rect.isEmpty() || !all.contains(rect))
@@ -247,10 +269,6 @@ bool runPart(Decoder &d, const Job &job, const Share &share)
     for (int i = 0; i < kBandRows; ++i)
         rows[i] = d.band.data() + i * stride;
 
-    const bool shrink = job.target != rect.size();
-    int first = firstOut, end = endOut;
-    if (shrink)
-        MMLanczosScaler::sourceRows(rect.height(), job.target.height(), firstOut, endOut, &first, &end);
     const size_t outStride = size_t(job.target.width()) * bpp;
     int pending = 0, pendingFirst = firstOut; // shrunk rows waiting in d.shrunk
     if (shrink) {
@@ -314,7 +332,10 @@ template <class Body> bool withDecoder(Decoder &d, Body body)
 bool decodePart(const Job &job, const Share &share)
 {
     Decoder d;
-    return withDecoder(d, [&] { return runPart(d, job, share); });
+    const bool ok = withDecoder(d, [&] { return runPart(d, job, share); });
+    if (job.readers && !d.arrived)
+        job.readers->arrive(false);
+    return ok;
 }
 
 // YCbCr to RGB exactly as libjpeg converts (the same fixed-point tables and
@@ -383,7 +404,7 @@ void preferLargePages(QImage &out)
 
 // Reads the header as the parts will: whether the picture is grey and
 // whether it is progressive. False when it is neither grey nor 3-component.
-bool probe(Job &job, bool *grey, bool *progressive, bool *ycc, qint64 *coefficientBytes)
+bool probe(Job &job, bool *grey, bool *progressive, bool *ycc)
 {
     Decoder d;
     return withDecoder(d, [&] {
@@ -394,18 +415,14 @@ bool probe(Job &job, bool *grey, bool *progressive, bool *ycc, qint64 *coefficie
         *grey = d.cinfo.jpeg_color_space == JCS_GRAYSCALE && d.cinfo.num_components == 1;
         *progressive = d.cinfo.progressive_mode;
         *ycc = d.cinfo.jpeg_color_space == JCS_YCbCr;
-        // What one decoder of a progressive stream holds: every coefficient.
-        *coefficientBytes = 0;
-        for (int c = 0; c < d.cinfo.num_components; ++c)
-            *coefficientBytes += qint64(d.cinfo.comp_info[c].width_in_blocks) * d.cinfo.comp_info[c].height_in_blocks
-                * DCTSIZE2 * qint64(sizeof(JCOEF));
         return *grey || d.cinfo.num_components == 3;
     });
 }
 }
 
 QImage MMJpegRegionDecoder::decode(const QByteArray &jpeg, const QSize &storedSize, int scaleDenom, const QRect &rect,
-                                   const MMOrientation &orientation, QImage::Format format, const QSize &shrinkTo)
+                                   const MMOrientation &orientation, QImage::Format format, const QSize &shrinkTo,
+                                   const std::function<void()> &inputRead)
 {
     if (jpeg.isEmpty() || (scaleDenom != 1 && scaleDenom != 2 && scaleDenom != 4 && scaleDenom != 8)
         || rect.isEmpty())
@@ -418,8 +435,7 @@ QImage MMJpegRegionDecoder::decode(const QByteArray &jpeg, const QSize &storedSi
             return QImage();
     }
     bool grey = false, progressive = false, ycc = false;
-    qint64 coefficients = 0;
-    if (!probe(job, &grey, &progressive, &ycc, &coefficients))
+    if (!probe(job, &grey, &progressive, &ycc))
         return QImage();
     if (grey) {
         job.space = JCS_GRAYSCALE;
@@ -450,15 +466,17 @@ QImage MMJpegRegionDecoder::decode(const QByteArray &jpeg, const QSize &storedSi
     // decoding them), so it gets fewer rows and both finish together. Every
     // scan of a progressive stream covers the whole picture, so it splits by
     // component instead: one part reads luma's scans, the other chroma's,
-    // and the two YCbCr halves are converted to RGB once joined. Each part
-    // holds all the coefficients, so only where memory is to spare.
+    // and the two YCbCr halves are converted to RGB once joined.
     const int rows = job.target.height();
     const bool large = std::thread::hardware_concurrency() > 1
         && qint64(rect.width()) * rect.height() >= kSplitPixels && rows >= 4 * kBandRows;
     MMJpegScanSplitter streams;
-    if (large && progressive && ycc && !job.dcOnly && job.target == rect.size()
-        && MMDecodeBudget::canSpareExtra(coefficients) && streams.split(jpeg)) {
+    // Each part holds the coefficients of its own components only: the two
+    // together hold what one decoder of the whole stream would.
+    if (large && progressive && ycc && !job.dcOnly && job.target == rect.size() && streams.split(jpeg)) {
         job.streams = &streams;
+        MMJpegReaders readers(2, inputRead);
+        job.readers = &readers;
         bool chromaOk = false;
         std::thread worker([&] { chromaOk = decodePart(job, { 0, rows, MMJpegScanSplitter::Chroma }); });
         const bool lumaOk = decodePart(job, { 0, rows, MMJpegScanSplitter::Luma });
@@ -470,6 +488,11 @@ QImage MMJpegRegionDecoder::decode(const QByteArray &jpeg, const QSize &storedSi
         yccToRgb(out, 0, half);
         converter.join();
         return out;
+    }
+    if (progressive && !job.dcOnly) {
+        MMJpegReaders readers(1, inputRead);
+        job.readers = &readers;
+        return decodePart(job, { 0, rows }) ? out : QImage();
     }
     if (!large || progressive)
         return decodePart(job, { 0, rows }) ? out : QImage();

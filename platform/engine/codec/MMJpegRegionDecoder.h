@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QImage>
 #include <QRect>
+#include <functional>
 
 // Decodes part of a 1- or 3-component JPEG through the libjpeg API: rows
 // above the part are skipped (entropy-decoded only), columns beside it are
@@ -10,8 +11,9 @@
 // 1/8 scale. The pixels are turned while they are copied out of small
 // bands, so no second full frame is ever held. A large baseline picture is
 // decoded by two threads, each on its own run of rows, a large progressive
-// one by two threads, one on luma's scans and one on chroma's, where memory
-// allows; a whole progressive picture at 1/8 scale is read only until its DC
+// one by two threads, one on luma's scans and one on chroma's; a
+// progressive picture's coefficients are kept whole only for the rows the
+// region needs. A whole progressive picture at 1/8 scale is read only until its DC
 // coefficients are whole. Pixels equal those of a full decode at the same
 // scale. Any libjpeg warning but "extraneous
 // bytes" fails the decode, as damaged data must not be saved as whole.
@@ -23,7 +25,10 @@ public:
     // Grayscale8 either way). A valid shrinkTo (the turned result's size,
     // no larger than the turned rect) filters the decoded pixels down to
     // it while decoding (MMLanczosScaler), so the full-size rect is never
-    // held. Null on any failure.
+    // held. inputRead, when given, is called once a progressive stream
+    // has been read whole (before its pixels are made): nothing reads jpeg
+    // after that, so the caller may free it. Null on any failure.
     static QImage decode(const QByteArray &jpeg, const QSize &storedSize, int scaleDenom, const QRect &rect,
-                         const MMOrientation &orientation, QImage::Format format, const QSize &shrinkTo = QSize());
+                         const MMOrientation &orientation, QImage::Format format, const QSize &shrinkTo = QSize(),
+                         const std::function<void()> &inputRead = nullptr);
 };

@@ -1,5 +1,9 @@
 #include "MMJpegScanSplitter.h"
+#include <sys/mman.h>
+#include <unistd.h>
 #include <cstdio>
+#include <cstdint>
+#include <cstring>
 // clang-format off
 #include <jpeglib.h>
 #include <jerror.h>
@@ -14,6 +18,31 @@ struct MMJpegScanSplitter::Source
     size_t count;
     size_t next;
     JOCTET eoi[2];
+    // Coefficient arrays of the other part's components: libjpeg still
+    // asks for them (DC scans cover every component), but nothing of them
+    // is kept, so their blocks go to one shared row instead.
+    MMJpegScanSplitter::Part part;
+    int requested;
+    decltype(jpeg_memory_mgr::request_virt_barray) request;
+    decltype(jpeg_memory_mgr::access_virt_barray) access;
+    struct StandIn
+    {
+        jvirt_barray_ptr array;
+        JBLOCKARRAY rows;
+    } standIns[4];
+    int standInCount;
+    // The own components' arrays, and the rows last read out of each: a
+    // stream read whole is read out once, top to bottom, so rows above the
+    // ones being read are never asked for again and their pages are given
+    // back (nothing here smooths blocks, which would read them again).
+    struct Own
+    {
+        jvirt_barray_ptr array;
+        JDIMENSION blocksPerRow;
+        JBLOCKARRAY lastRows;
+        JDIMENSION lastFirst, lastCount;
+    } own[4];
+    int ownCount;
 };
 
 namespace {
@@ -51,6 +80,78 @@ void skipInput(j_decompress_ptr cinfo, long count)
         src->next_input_byte += count;
         src->bytes_in_buffer -= size_t(count);
     }
+}
+
+// Gives the whole pages inside [begin, begin + bytes) back to the system;
+// they read as zeros if touched again.
+void release(void *begin, size_t bytes)
+{
+    static const uintptr_t page = uintptr_t(sysconf(_SC_PAGESIZE));
+    const uintptr_t from = (uintptr_t(begin) + page - 1) & ~(page - 1);
+    const uintptr_t to = (uintptr_t(begin) + bytes) & ~(page - 1);
+    if (to > from)
+        madvise(reinterpret_cast<void *>(from), to - from, MADV_DONTNEED);
+}
+
+Source *sourceOf(j_common_ptr cinfo)
+{
+    return reinterpret_cast<Source *>(reinterpret_cast<j_decompress_ptr>(cinfo)->src);
+}
+
+// libjpeg asks for one array a component, in component order. A component
+// of the other part gets a stand-in: every one of its block rows is the
+// same zeroed row, written by the DC scans and never read as picture.
+// Without it each part holds every coefficient of the picture.
+jvirt_barray_ptr requestArray(j_common_ptr cinfo, int pool, boolean preZero, JDIMENSION blocksPerRow,
+                              JDIMENSION rows, JDIMENSION maxAccess)
+{
+    Source *s = sourceOf(cinfo);
+    const int component = s->requested++;
+    const bool lumaComponent = component == 0;
+    const bool other = component < 3 && lumaComponent != (s->part == MMJpegScanSplitter::Luma);
+    if (!other || s->standInCount == 4) {
+        jvirt_barray_ptr array = s->request(cinfo, pool, preZero, blocksPerRow, rows, maxAccess);
+        if (s->ownCount < 4)
+            s->own[s->ownCount++] = { array, blocksPerRow, nullptr, 0, 0 };
+        return array;
+    }
+    // A real array of a few rows keeps libjpeg's own bookkeeping as it is;
+    // it is never accessed.
+    jvirt_barray_ptr array = s->request(cinfo, pool, FALSE, blocksPerRow, maxAccess, maxAccess);
+    auto *row = static_cast<JBLOCKROW>(cinfo->mem->alloc_large(cinfo, pool, size_t(blocksPerRow) * sizeof(JBLOCK)));
+    std::memset(row, 0, size_t(blocksPerRow) * sizeof(JBLOCK));
+    auto *list = static_cast<JBLOCKARRAY>(cinfo->mem->alloc_small(cinfo, pool, size_t(maxAccess) * sizeof(JBLOCKROW)));
+    for (JDIMENSION i = 0; i < maxAccess; ++i)
+        list[i] = row;
+    s->standIns[s->standInCount++] = { array, list };
+    return array;
+}
+
+JBLOCKARRAY accessArray(j_common_ptr cinfo, jvirt_barray_ptr array, JDIMENSION first, JDIMENSION count,
+                        boolean writable)
+{
+    Source *s = sourceOf(cinfo);
+    for (int i = 0; i < s->standInCount; ++i) {
+        if (s->standIns[i].array == array)
+            return s->standIns[i].rows;
+    }
+    JBLOCKARRAY rows = s->access(cinfo, array, first, count, writable);
+    for (int i = 0; !writable && i < s->ownCount; ++i) {
+        Source::Own &o = s->own[i];
+        if (o.array != array)
+            continue;
+        if (o.lastRows && first >= o.lastFirst + o.lastCount) {
+            const size_t rowBytes = size_t(o.blocksPerRow) * sizeof(JBLOCK);
+            for (JDIMENSION r = 0; r < o.lastCount; ++r)
+                release(o.lastRows[r], rowBytes);
+        }
+        // The row pointers libjpeg gives are its own and stay put; only
+        // which rows they are is kept.
+        o.lastRows = rows;
+        o.lastFirst = first;
+        o.lastCount = count;
+    }
+    return rows;
 }
 
 int be16(const unsigned char *b, qsizetype at)
@@ -149,6 +250,11 @@ void MMJpegScanSplitter::attach(jpeg_decompress_struct *cinfo, Part part)
     s->base = reinterpret_cast<const JOCTET *>(m_jpeg->constData());
     s->ranges = m_ranges[part].data();
     s->count = m_ranges[part].size();
+    s->part = part;
+    s->request = cinfo->mem->request_virt_barray;
+    s->access = cinfo->mem->access_virt_barray;
+    cinfo->mem->request_virt_barray = requestArray;
+    cinfo->mem->access_virt_barray = accessArray;
     cinfo->src = &s->pub;
 }
 

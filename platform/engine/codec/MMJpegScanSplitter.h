@@ -9,7 +9,9 @@ struct jpeg_decompress_struct;
 // with the headers, the DC scans and chroma's AC scans. Each is a valid JPEG
 // whose own components come out exactly as from the whole stream, so one
 // decoder gives luma and the other chroma. Nothing is copied: a decoder reads
-// its part's byte ranges of the original through its own source.
+// its part's byte ranges of the original through its own source, and holds
+// the coefficients of its own components only, so the two together hold
+// what one decoder of the whole stream would.
 class MMJpegScanSplitter
 {
 public:
@@ -31,7 +33,10 @@ public:
     bool split(const QByteArray &jpeg);
     // Makes cinfo read part's stream; the splitter and the bytes given to
     // split() must outlive the decompression. The two parts may be attached
-    // and read on two threads at once.
+    // and read on two threads at once. Attach a decompressor once, before
+    // jpeg_start_decompress: the other part's components are then not
+    // reconstructed, only read past (ask for them to be left out of the
+    // output, or ignore what comes out for them).
     void attach(jpeg_decompress_struct *cinfo, Part part);
 
 private:

@@ -17,6 +17,7 @@
 #include "MMYuvPlanes.h"
 #include <QFile>
 #include <future>
+#include <malloc.h>
 #include <sys/stat.h>
 
 namespace {
@@ -124,30 +125,47 @@ int runPlanes(QByteArray &source, const QString &out, const MMImageHeader &heade
     MMYuvPlanes planes;
     // A progressive picture decoded as luma and chroma apart has its chroma
     // whole well before luma: chroma's scans are coded from then on, while
-    // luma is still decoded and then coded.
-    std::promise<bool> chromaWhole;
-    bool signalled = false;
+    // luma is still decoded and then coded. They wait for the stream to
+    // have been read whole and freed, so that their encoder's memory is not
+    // held beside the file's and luma's every coefficient at once.
+    std::promise<bool> chromaWhole, streamRead;
+    bool signalled = false, read = false;
     std::future<QByteArray> chroma;
     MMJpegPlaneDecoder::ChromaDone chromaDone;
     if (options.jpegProgressive) {
-        chroma = std::async(std::launch::async, [&planes, &options, whole = chromaWhole.get_future()]() mutable {
-            return whole.get() ? MMJpegProgressiveEncoder::chromaScans(planes, qBound(1, options.jpegQuality, 100))
-                               : QByteArray();
+        chroma = std::async(std::launch::async, [&planes, &options, whole = chromaWhole.get_future(),
+                                                 freed = streamRead.get_future()]() mutable {
+            return whole.get() && freed.get()
+                ? MMJpegProgressiveEncoder::chromaScans(planes, qBound(1, options.jpegQuality, 100))
+                : QByteArray();
         });
         chromaDone = [&](const MMYuvPlanes &) {
             signalled = true;
             chromaWhole.set_value(true);
         };
     }
-    const MMJpegPlaneDecoder::Result result = MMJpegPlaneDecoder::decode(source, plan.orientation, &planes, chromaDone);
+    const MMJpegPlaneDecoder::Result result
+        = MMJpegPlaneDecoder::decode(source, plan.orientation, &planes, chromaDone, [&] {
+              source = QByteArray();
+              read = true;
+              if (chroma.valid())
+                  streamRead.set_value(true);
+          });
     if (chroma.valid() && !signalled)
         chromaWhole.set_value(false);
+    if (chroma.valid() && !read)
+        streamRead.set_value(false);
     if (result != MMJpegPlaneDecoder::Decoded) {
         if (chroma.valid())
             chroma.wait(); // it may be reading the planes
         return result == MMJpegPlaneDecoder::Unsuited ? 1 : -1;
     }
     source = QByteArray(); // not held through the encode
+#ifdef __GLIBC__
+    // Freed blocks of tens of MB stay in glibc's heap unless given back,
+    // and the encoders' buffers come next.
+    malloc_trim(0);
+#endif
     std::function<QByteArray()> chromaScans;
     if (signalled)
         chromaScans = [&chroma] { return chroma.get(); };
@@ -156,14 +174,15 @@ int runPlanes(QByteArray &source, const QString &out, const MMImageHeader &heade
 
 // Replays a plan on a 1- or 3-component JPEG: only the needed part is
 // decoded, already turned. A null image when the plan cannot be replayed.
-QImage decodePlanned(const QByteArray &source, const MMImageHeader &header, const MMEditPlanner::Plan &plan,
-                     bool toJpeg)
+// The source is freed as soon as it has been read.
+QImage decodePlanned(QByteArray &source, const MMImageHeader &header, const MMEditPlanner::Plan &plan, bool toJpeg)
 {
     // Three bytes a pixel when nothing but the encoder will read them.
     const bool packed = toJpeg && plan.rest.empty();
     QImage image = MMJpegRegionDecoder::decode(source, header.storedSize(), plan.scaleDenom, plan.decodeRect,
                                                plan.orientation, packed ? QImage::Format_RGB888 : QImage::Format_RGB32,
-                                               plan.resizeTo);
+                                               plan.resizeTo, [&source] { source = QByteArray(); });
+    source = QByteArray();
     if (image.isNull() || !plan.resizeTo.isValid())
         return image;
     return image.rect() == plan.keep ? image : image.copy(plan.keep);
@@ -218,7 +237,6 @@ int MMCommandRunner::run(const MMImageSource &source, const MMImageSource &desti
         }
         if (plan.valid) {
             QImage image = decodePlanned(jpegBytes, header, plan, format == "jpeg");
-            jpegBytes = QByteArray(); // not held through the encode
             if (image.isNull())
                 return -1;
             for (const MMCommand *command : plan.rest) {
