@@ -3,6 +3,7 @@
 #include "MMMirrorCommand.h"
 #include "MMResizeCommand.h"
 #include "MMRotateCommand.h"
+#include <cstdio>
 #include <cstdlib>
 
 namespace {
@@ -48,7 +49,7 @@ BenchJob::BenchJob(int argc, char **argv)
     if (argc < 5)
         return;
     m_name = argv[4];
-    if (m_name == "--rotate") {
+    if (m_name == "--rotate" || m_name == "--crop") {
         if (argc != 6)
             return;
         m_argument = argv[5];
@@ -82,6 +83,17 @@ bool BenchJob::buildCommands(int w, int h)
         add(cropCentreHalf(w, h));
         return true;
     }
+    if (m_name == "--crop") {
+        // WxH+X+Y, as jpegtran -crop takes it.
+        int cw = 0, ch = 0, cx = 0, cy = 0;
+        char rest = 0;
+        if (std::sscanf(m_argument.c_str(), "%dx%d+%d+%d%c", &cw, &ch, &cx, &cy, &rest) != 4)
+            return false;
+        auto *command = new MMCropCommand;
+        command->setRect(MMRect(cx, cy, cw, ch));
+        add(command);
+        return true;
+    }
     if (m_name == "--resize-half") {
         add(resizeHalf(w, h));
         return true;
@@ -99,6 +111,6 @@ bool BenchJob::buildCommands(int w, int h)
 
 const char *BenchJob::usage()
 {
-    return "usage: vo-bench save IN OUT --rotate DEG | --crop-centre-half | --resize-half | --chain\n"
+    return "usage: vo-bench save IN OUT --rotate DEG | --crop-centre-half | --crop WxH+X+Y | --resize-half | --chain\n"
            "       vo-bench phases IN OUT (same options as save)\n";
 }

@@ -20,7 +20,7 @@ build="$root/build"
 data="$build/bench-data"
 results="$build/bench-results"
 RUNS=${RUNS:-5}
-JOBS=${JOBS:-"preview rotate90 crop resize chain"}
+JOBS=${JOBS:-"preview rotate90 crop cropmcu resize chain"}
 INPUTS=${INPUTS:-"kleiber20 elephants18 elephants18o6 synth12"}
 
 bash "$root/scripts/install-deps.sh"
@@ -180,6 +180,13 @@ jpegtran	jpegtran -copy all -crop ${cw}x${ch}+${cx}+${cy} -outfile $o-jt-crop.jp
 vips	vips crop $path '$o-vips-crop.jpg[$vq]' $cx $cy $cw $ch
 convert	$IM $path -crop ${cw}x${ch}+${cx}+${cy} +repage $im $o-im-crop.jpg"
 
+  # The centre half with its left and top moved down onto the 16-pixel MCU
+  # grid: a cut both can make without decoding (jpegtran rounds an
+  # unaligned offset down the same way itself).
+  local mx=$((cx / 16 * 16)) my=$((cy / 16 * 16))
+  CMDS[$name.cropmcu]="vo-bench	$vobench save $path $o-vo-cropmcu.jpg --crop ${cw}x${ch}+${mx}+${my}
+jpegtran	jpegtran -copy all -crop ${cw}x${ch}+${mx}+${my} -outfile $o-jt-cropmcu.jpg $path"
+
   CMDS[$name.resize]="vo-bench	$vobench save $path $o-vo-resize.jpg --resize-half
 vips	vips resize $path '$o-vips-resize.jpg[$vq]' 0.5
 convert	$IM $path -resize 50% $im $o-im-resize.jpg"
@@ -239,6 +246,17 @@ for name in $INPUTS; do
     verdict="jpegtran -perfect refuses (size not whole MCUs): no lossless quarter turn"
   fi
   lossless_note+="  $name ${INFO[$name.w]}x${INFO[$name.h]} q${INFO[$name.q]} ${INFO[$name.sf]}: rotate 90: $verdict"$'\n'
+  # The MCU-aligned cut, as the cropmcu job makes it.
+  w=${INFO[$name.w]}; h=${INFO[$name.h]}
+  geometry="$((w / 2))x$((h / 2))+$((w / 4 / 16 * 16))+$((h / 4 / 16 * 16))"
+  "$vobench" save "$path" "$work/ll-vo-cut.jpg" --crop "$geometry"
+  jpegtran -crop "$geometry" -outfile "$work/ll-jt-cut.jpg" "$path"
+  if cmp -s <(djpeg -pnm "$work/ll-vo-cut.jpg") <(djpeg -pnm "$work/ll-jt-cut.jpg"); then
+    verdict="vo-bench output decodes identical to jpegtran -crop (lossless)"
+  else
+    verdict="vo-bench output differs from jpegtran -crop"
+  fi
+  lossless_note+="  $name: crop $geometry: $verdict"$'\n'
 done
 
 load_before=$(cut -d' ' -f1-3 /proc/loadavg)
@@ -344,6 +362,11 @@ done
           printf "  %-14s %-9s RSS  %.1f MB vs vipsthumbnail %.1f MB: %.2fx %s\n", in_, job, M[vo] / 1024, M[vt] / 1024, M[vo] / M[vt], M[vo] <= M[vt] ? "MET" : "MISSED"
           continue
         }
+        if (job == "cropmcu") {
+          jt = in_ SUBSEP job SUBSEP "jpegtran"
+          printf "  %-14s %-9s time %.3f s vs jpegtran -crop %.3f s (lossless cut): %.2fx %s\n", in_, job, W[vo], W[jt], W[vo] / W[jt], W[vo] <= 0.8 * W[jt] ? "MET (<= 0.8)" : "MISSED (> 0.8)"
+          continue
+        }
         if (job == "rotate90" && ok[in_] == "yes") {
           jt = in_ SUBSEP job SUBSEP "jpegtran"
           printf "  %-14s %-9s time %.3f s vs jpegtran %.3f s (lossless job): %.2fx %s\n", in_, job, W[vo], W[jt], W[vo] / W[jt], W[vo] <= W[jt] ? "MET" : "MISSED"
@@ -363,6 +386,7 @@ done
       case $job in
         rotate90) opt=(--rotate 90) ;;
         crop) opt=(--crop-centre-half) ;;
+        cropmcu) continue ;;
         resize) opt=(--resize-half) ;;
         chain) opt=(--chain) ;;
         *) continue ;;

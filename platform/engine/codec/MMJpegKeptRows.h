@@ -22,6 +22,15 @@ public:
     // before). This object must outlive the decompression, and cinfo's
     // client_data is taken. Does nothing for a sequential stream.
     void install(jpeg_decompress_struct *cinfo, unsigned components, int firstIMcuRow, int endIMcuRow);
+    // The same for any stream read into coefficient arrays (a lossless
+    // cut): a sequential one keeps nothing outside the run (no later scan
+    // reads it), and one coded in a single interleaved scan is read no
+    // further than the run: reading stops (through cinfo's error_exit,
+    // with stopped() set) as soon as the first row below it is asked for.
+    void installCut(jpeg_decompress_struct *cinfo, int firstIMcuRow, int endIMcuRow);
+    bool stopped() const { return m_stopped; }
+    // The array of a component handled here, once libjpeg has asked for it.
+    jvirt_barray_ptr array(int component) const;
 
 private:
     struct Array
@@ -34,12 +43,19 @@ private:
         JBLOCKARRAY window;            // maxAccess row pointers
         JBLOCKROW windowRows;          // maxAccess rows for the others
         JDIMENSION writtenFirst, writtenCount;
+        int writtenSs, writtenSe; // the band of the scan that wrote them
     };
     static jvirt_barray_ptr request(j_common_ptr cinfo, int pool, boolean preZero, JDIMENSION blocksPerRow,
                                     JDIMENSION rows, JDIMENSION maxAccess);
     static JBLOCKARRAY access(j_common_ptr cinfo, jvirt_barray_ptr array, JDIMENSION first, JDIMENSION count,
                               boolean writable);
 
+    void hook(jpeg_decompress_struct *cinfo, unsigned components, int firstIMcuRow, int endIMcuRow);
+
+    bool m_sequential = false;
+    bool m_stopAfter = false;
+    bool m_stopped = false;
+    int m_component[4] = {};
     unsigned m_components = 0;
     int m_requested = 0;
     int m_count = 0;

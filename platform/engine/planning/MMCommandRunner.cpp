@@ -8,6 +8,7 @@
 #include "MMImageSource.h"
 #include "MMImageWriter.h"
 #include "MMJpegCodec.h"
+#include "MMJpegLosslessCrop.h"
 #include "MMJpegPlaneDecoder.h"
 #include "MMJpegProgressiveEncoder.h"
 #include "MMJpegRegionDecoder.h"
@@ -16,6 +17,7 @@
 #include "MMRotateCommand.h"
 #include "MMYuvPlanes.h"
 #include <QFile>
+#include <functional>
 #include <future>
 #include <malloc.h>
 #include <sys/stat.h>
@@ -58,6 +60,27 @@ QByteArray readFile(const QString &path)
     return file.readAll();
 }
 
+// Writes a stream made without loss from the source's coefficients, its
+// copied metadata fixed for the new size and orientation. When that cannot
+// be fixed, a stale orientation would turn the picture again: bare() then
+// gives the same stream without the copied markers, and the metadata is
+// carried over afresh. 0, -1 when bare() fails, -2 when the write fails.
+int writeLossless(const QString &in, const QString &out, QByteArray made, const QSize &size,
+                  const std::function<QByteArray()> &bare)
+{
+    const auto picture = [&made] { return MMMetadata::thumbnailSource(made); };
+    QByteArray result = MMMetadata::normalize(made, size, picture);
+    if (result.isEmpty()) {
+        made = bare();
+        if (made.isEmpty())
+            return -1;
+        result = MMMetadata::transplant(in, made, size, picture, true);
+        if (result.isEmpty())
+            result = made;
+    }
+    return MMAtomicFile::write(out, result) == 0 ? 0 : -2;
+}
+
 // Turns a JPEG by moving its DCT coefficients: no loss, and the markers are
 // kept. -1 when the size does not allow a perfect transform (or the stream
 // will not transform), so the caller decodes instead.
@@ -69,23 +92,32 @@ int runLossless(const QString &in, const QByteArray &source, const QString &out,
     // The stored pixels are first turned upright, then edited.
     const MMOrientation total = header.orientation().then(edits);
     const bool progressive = header.jpeg().isProgressive();
-    QByteArray turned = MMJpegCodec::transform(source, total, true, progressive);
+    const QByteArray turned = MMJpegCodec::transform(source, total, true, progressive);
     if (turned.isEmpty())
         return -1;
-    const QSize size = edits.map(header.uprightSize());
-    const auto picture = [&turned] { return MMMetadata::thumbnailSource(turned); };
-    QByteArray result = MMMetadata::normalize(turned, size, picture);
-    if (result.isEmpty()) {
-        // The copied metadata could not be fixed, and a stale orientation
-        // would turn the picture again: start from a bare stream instead.
-        turned = MMJpegCodec::transform(source, total, false, progressive);
-        if (turned.isEmpty())
-            return -1;
-        result = MMMetadata::transplant(in, turned, size, picture, true);
-        if (result.isEmpty())
-            result = turned;
-    }
-    return MMAtomicFile::write(out, result) == 0 ? 0 : -2;
+    return writeLossless(in, out, turned, edits.map(header.uprightSize()),
+                         [&] { return MMJpegCodec::transform(source, total, false, progressive); });
+}
+
+// Cuts a JPEG by copying the coefficients of the kept blocks, then turns
+// the cut without loss when the plan turns it too (and its size allows).
+// The same return values as runLossless.
+int runLosslessCut(const QString &in, const QByteArray &source, const QString &out, const MMImageHeader &header,
+                   const MMEditPlanner::Plan &plan)
+{
+    if (source.isEmpty())
+        return -1;
+    const bool progressive = header.jpeg().isProgressive();
+    const auto make = [&](bool keepMarkers) {
+        const QByteArray cut = MMJpegLosslessCrop::crop(source, plan.decodeRect, keepMarkers);
+        if (cut.isEmpty() || plan.orientation.isIdentity())
+            return cut;
+        return MMJpegCodec::transform(cut, plan.orientation, keepMarkers, progressive);
+    };
+    const QByteArray made = make(true);
+    if (made.isEmpty())
+        return -1;
+    return writeLossless(in, out, made, plan.orientation.map(plan.decodeRect.size()), [&] { return make(false); });
 }
 
 MMEncodeOptions encodeOptions(const MMImageHeader &header, const QByteArray &format, const QString &in)
@@ -230,6 +262,11 @@ int MMCommandRunner::run(const MMImageSource &source, const MMImageSource &desti
     const int components = header.jpeg().components();
     if (header.format() == MM_FORMAT_JPEG && (components == 1 || components == 3)) {
         const MMEditPlanner::Plan plan = MMEditPlanner::plan(header.storedSize(), header.orientation(), commands);
+        if (sameFormat && plan.isCut(header.storedSize())) {
+            const int lossless = runLosslessCut(in, jpegBytes, out, header, plan);
+            if (lossless != -1)
+                return lossless == 0 ? 0 : -1;
+        }
         if (plan.valid && format == "jpeg") {
             const int planes = runPlanes(jpegBytes, out, header, plan, encodeOptions(header, format, in));
             if (planes != 1)

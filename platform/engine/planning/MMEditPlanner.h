@@ -34,6 +34,14 @@ public:
         QRect keep;
         // Applied afterwards, in order.
         std::vector<const MMCommand *> rest;
+
+        // Only a part of the stored pixels kept, turned or not: what a
+        // lossless cut of the coefficients may do, where the part allows.
+        bool isCut(const QSize &storedSize) const
+        {
+            return valid && scaleDenom == 1 && !resizeTo.isValid() && rest.empty()
+                && decodeRect != QRect(QPoint(0, 0), storedSize);
+        }
     };
 
     // storedSize and fileOrientation as the JPEG header gives them. An

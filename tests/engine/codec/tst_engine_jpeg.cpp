@@ -157,6 +157,58 @@ private slots:
         }
     }
 
+    void losslessCutMatchesJpegtran_data()
+    {
+        // jpegtran's passes are separated by "|": it cuts after it turns.
+        columns<QString, QString, QString, QSize>({"commands", "jpegtran", "options", "size"});
+        const QSize small(256, 192), large(1280, 1024);
+        QTest::newRow("4:2:0, partial right and bottom MCUs") << "c16,32,100,90" << "-crop 100x90+16+32" << "-sample 2x2"
+                                                             << small;
+        QTest::newRow("4:2:2, 16 x 8 MCUs") << "c32,8,120,64" << "-crop 120x64+32+8" << "-sample 2x1" << small;
+        QTest::newRow("4:4:4, 8 x 8 MCUs") << "c8,8,200,101" << "-crop 200x101+8+8" << "-sample 1x1" << small;
+        QTest::newRow("grey") << "c8,16,50,50" << "-crop 50x50+8+16" << "-grayscale" << small;
+        QTest::newRow("to both far edges") << "c48,64,208,128" << "-crop 208x128+48+64" << "-sample 2x2" << small;
+        QTest::newRow("from the origin, odd sides") << "c0,0,121,77" << "-crop 121x77+0+0" << "-sample 2x1"
+                                                    << QSize(250, 190);
+        QTest::newRow("progressive 4:2:0") << "c16,16,150,120" << "-crop 150x120+16+16" << "-sample 2x2 -progressive"
+                                           << small;
+        QTest::newRow("progressive 4:2:2, bottom rows") << "c64,128,96,64" << "-crop 96x64+64+128"
+                                                        << "-sample 2x1 -progressive" << small;
+        QTest::newRow("restart every row") << "c32,48,120,100" << "-crop 120x100+32+48" << "-sample 2x2 -restart 1"
+                                           << small;
+        QTest::newRow("restart every 5 MCUs, progressive") << "c16,32,130,90" << "-crop 130x90+16+32"
+                                                           << "-sample 2x1 -restart 5B -progressive" << small;
+        QTest::newRow("large, middle: read stops early") << "c320,256,640,512" << "-crop 640x512+320+256"
+                                                         << "-sample 2x2" << large;
+        QTest::newRow("large progressive, middle") << "c320,256,640,510" << "-crop 640x510+320+256"
+                                                   << "-sample 2x1 -progressive" << large;
+        QTest::newRow("cut then turn") << "c16,32,96,80 r90" << "-crop 96x80+16+32 | -perfect -rotate 90"
+                                       << "-sample 2x2" << small;
+        QTest::newRow("turn then cut") << "r90 c16,16,96,80" << "-perfect -rotate 90 | -crop 96x80+16+16"
+                                       << "-sample 2x2" << small;
+    }
+
+    void losslessCutMatchesJpegtran()
+    {
+        auto [commands, jpegtran, options, size] = fetch<QString, QString, QString, QSize>({"commands", "jpegtran", "options", "size"});
+        const QString in = makeJpeg(detailedPhoto(size), "cut.jpg", 90, options.split(' ')), out = path("cut-out.jpg");
+        QString reference = in;
+        int pass = 0;
+        for (const QString &step : jpegtran.split('|')) {
+            const QString next = path(QString("cut-ref%1.jpg").arg(pass++));
+            QVERIFY(run("jpegtran", QStringList{ "-copy", "all" } + step.split(' ', Qt::SkipEmptyParts)
+                                        + QStringList{ "-outfile", next, reference }));
+            reference = next;
+        }
+
+        QCOMPARE(runCommands(in, out, commands), 0);
+
+        // A re-encode would not give the very same pixels.
+        const QImage cut = djpeg(out);
+        QVERIFY(!cut.isNull());
+        QCOMPARE(cut, djpeg(reference));
+    }
+
     void identityChainLeavesBytesUnchanged()
     {
         // 100x70 allows no perfect transform: nothing may be re-encoded.
