@@ -1,9 +1,24 @@
 #include "MMJpegKeptRows.h"
+#include "MMPagePopulator.h"
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 // clang-format off
 #include <jerror.h>
 // clang-format on
+
+namespace {
+// Below this a second thread costs more than the page faults it saves.
+const size_t kPopulateBytes = size_t(4) << 20;
+}
+
+MMJpegKeptRows::~MMJpegKeptRows()
+{
+    if (m_populator.joinable())
+        m_populator.join();
+    for (JBLOCKROW p : m_owned)
+        std::free(p);
+}
 
 void MMJpegKeptRows::install(jpeg_decompress_struct *cinfo, unsigned components, int firstIMcuRow, int endIMcuRow)
 {
@@ -65,9 +80,14 @@ jvirt_barray_ptr MMJpegKeptRows::request(j_common_ptr cinfo, int pool, boolean p
     a.keepEnd = std::max(a.keepEnd, a.keepFirst);
     auto *mem = cinfo->mem;
     const size_t keptBytes = size_t(a.keepEnd - a.keepFirst) * blocksPerRow * sizeof(JBLOCK);
-    a.kept = keptBytes ? static_cast<JBLOCKROW>(mem->alloc_large(cinfo, pool, keptBytes)) : nullptr;
-    if (keptBytes)
-        std::memset(a.kept, 0, keptBytes);
+    // Zeroed as libjpeg's own arrays are; fresh pages of a large calloc are
+    // zero already, so they are not written twice. The idle core maps them
+    // in meanwhile, ahead of the decoder, which starts above them.
+    a.kept = keptBytes ? static_cast<JBLOCKROW>(std::calloc(1, keptBytes)) : nullptr;
+    if (keptBytes && !a.kept)
+        ERREXIT1(cinfo, JERR_OUT_OF_MEMORY, 10);
+    k->m_owned[k->m_count - 1] = a.kept;
+    k->m_keptBytes += keptBytes;
     // A sequential stream never reads a block back while decoding.
     const size_t bitBytes = k->m_sequential ? 0 : size_t(rows) * blocksPerRow * sizeof(uint64_t);
     a.nonzero = bitBytes ? static_cast<uint64_t *>(mem->alloc_large(cinfo, pool, bitBytes)) : nullptr;
@@ -108,6 +128,15 @@ JBLOCKARRAY MMJpegKeptRows::access(j_common_ptr cinfo, jvirt_barray_ptr array, J
                                    boolean writable)
 {
     auto *k = static_cast<MMJpegKeptRows *>(cinfo->client_data);
+    if (k->m_keptBytes >= kPopulateBytes && !k->m_populator.joinable()) {
+        // Every array is in place by the first access.
+        k->m_populator = std::thread([k] {
+            for (int i = 0; i < k->m_count; ++i) {
+                const Array &a = k->m_arrays[i];
+                MMPagePopulator::populate(a.kept, size_t(a.keepEnd - a.keepFirst) * a.blocksPerRow * sizeof(JBLOCK));
+            }
+        });
+    }
     for (int i = 0; i < k->m_count; ++i) {
         Array &a = k->m_arrays[i];
         if (a.array != array)

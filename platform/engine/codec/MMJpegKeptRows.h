@@ -1,5 +1,6 @@
 #pragma once
 #include <cstdint>
+#include <thread>
 // clang-format off
 #include <cstdio>
 #include <jpeglib.h>
@@ -16,6 +17,11 @@
 class MMJpegKeptRows
 {
 public:
+    MMJpegKeptRows() = default;
+    MMJpegKeptRows(const MMJpegKeptRows &) = delete;
+    MMJpegKeptRows &operator=(const MMJpegKeptRows &) = delete;
+    ~MMJpegKeptRows();
+
     // After jpeg_read_header (and any change of scale), before
     // jpeg_start_decompress; components is a bit mask of the components
     // handled here (the others go to whatever memory manager was installed
@@ -64,4 +70,7 @@ private:
     Array m_arrays[4] = {};
     decltype(jpeg_memory_mgr::request_virt_barray) m_request = nullptr;
     decltype(jpeg_memory_mgr::access_virt_barray) m_access = nullptr;
+    JBLOCKROW m_owned[4] = {};
+    size_t m_keptBytes = 0;
+    std::thread m_populator;
 };
