@@ -1,5 +1,6 @@
 #include "MMJpegPlaneDecoder.h"
 #include "MMJpegErrorJump.h"
+#include "MMJpegProgressHook.h"
 #include "MMJpegReaders.h"
 #include "MMJpegScanSplitter.h"
 #include "MMTurnedPlane.h"
@@ -36,6 +37,8 @@ struct Layout
     MMJpegScanSplitter *streams = nullptr;
     // Set when the bytes may go once read.
     MMJpegReaders *readers = nullptr;
+    // Set when a save follows the decode: rows read and put out.
+    MMRunProgress *progress = nullptr;
     // Each plane's samples in stored orientation; luma's only where the
     // picture is (TurboJPEG pads it to whole chroma samples).
     QSize plane[3];
@@ -55,6 +58,7 @@ struct Part
     std::vector<JSAMPROW> scratchRows;
     std::vector<JSAMPROW> pointers[3];
     bool arrived = false; // said to the layout's readers that the stream is read
+    MMJpegProgressHook hook;
 };
 
 // Reads the header of the whole stream or, when it is split, of part's;
@@ -132,6 +136,15 @@ void place(const Layout &l, int c, const std::vector<unsigned char> &band, ptrdi
         l.where[size_t(c)].place(band.data(), stride, first, rows, l.plane[c].width());
 }
 
+// Adds rows put out to the save's progress; false once it is cancelled.
+bool reportRows(const Layout &l, int rows)
+{
+    if (!l.progress)
+        return true;
+    l.progress->advance(rows);
+    return !l.progress->isCancelled();
+}
+
 // Components 0 to 2 as bits.
 const unsigned kAll = 7, kLumaOnly = 1, kChromaOnly = 6;
 
@@ -149,7 +162,9 @@ bool decodeRaw(Part &p, const Layout &l, int end, unsigned keep = kAll,
     // would invent them (a whole stream is never smoothed: all are known).
     if (l.streams)
         cinfo.do_block_smoothing = FALSE;
+    p.hook.attach(&cinfo, l.progress, l.progressive ? l.size.height() : 0);
     jpeg_start_decompress(&cinfo);
+    p.hook.doneReading();
     if (l.readers) {
         p.arrived = true;
         l.readers->arrive(true);
@@ -185,6 +200,8 @@ bool decodeRaw(Part &p, const Layout &l, int end, unsigned keep = kAll,
             if (keep & (1u << c))
                 place(l, c, p.band[c], stride[c], row * l.v[c] * DCTSIZE, n * l.v[c] * DCTSIZE);
         }
+        if (!reportRows(l, std::min(n * l.vMax * DCTSIZE, l.size.height() - row * l.vMax * DCTSIZE)))
+            return false;
     }
     // Read to the end only when the part reaches it, so that a warning
     // there is still seen.
@@ -226,6 +243,8 @@ bool decodeRows(Part &p, const Layout &l, int first)
             got += n;
         }
         if (l.count == 1) {
+            if (!reportRows(l, got))
+                return false;
             place(l, 0, p.rows, stride, row, got);
             row += got;
             continue;
@@ -245,6 +264,8 @@ bool decodeRows(Part &p, const Layout &l, int first)
                     out[x] = *in;
             }
         }
+        if (!reportRows(l, got))
+            return false;
         place(l, 0, p.band[0], width, row, got);
         for (int c = 1; c < 3; ++c) {
             const int down = l.vMax / l.v[c];
@@ -259,7 +280,8 @@ bool decodeRows(Part &p, const Layout &l, int first)
 
 MMJpegPlaneDecoder::Result MMJpegPlaneDecoder::decode(const QByteArray &jpeg, const MMOrientation &orientation,
                                                       MMYuvPlanes *planes, const ChromaDone &chromaDone,
-                                                      const std::function<void()> &inputRead)
+                                                      const std::function<void()> &inputRead,
+                                                      MMRunProgress *progress)
 {
     Layout l;
     {
@@ -290,7 +312,13 @@ MMJpegPlaneDecoder::Result MMJpegPlaneDecoder::decode(const QByteArray &jpeg, co
         && qint64(l.size.width()) * l.size.height() >= kSplitPixels && l.iMcuRows >= 4;
     bool ok = false;
     MMJpegScanSplitter streams;
-    if (l.progressive && large && l.count == 3 && streams.split(jpeg)) {
+    l.progress = progress;
+    const bool split = l.progressive && large && l.count == 3 && streams.split(jpeg);
+    // Rows read (a progressive stream's, by libjpeg's estimate) and put
+    // out, by every part.
+    if (progress)
+        progress->setUnits(qint64(l.size.height()) * (l.progressive ? 2 : 1) * (split ? 2 : 1));
+    if (split) {
         // Every scan covers the whole picture, so the two parts split by
         // component: one reads luma's scans, the other chroma's, each
         // holding its own components' coefficients.

@@ -4,6 +4,8 @@
 #include <QByteArray>
 #include <functional>
 
+class MMRunProgress;
+
 // Decodes a sequential or progressive YCbCr (or grey) JPEG into its sample
 // planes, turned or flipped on the way: no chroma upsampling and no colour
 // conversion, so a turn re-encoded from them keeps the file's own chroma
@@ -31,9 +33,11 @@ public:
     //
     // inputRead, when given, is called once a progressive stream has been
     // read whole (before its planes are made): nothing reads jpeg after
-    // that, so the caller may free it.
+    // that, so the caller may free it. progress, when given, gets the rows
+    // read and put out (its step's units are set here), and a cancel stops
+    // the decode (Failed).
     using ChromaDone = std::function<void(const MMYuvPlanes &)>;
     static Result decode(const QByteArray &jpeg, const MMOrientation &orientation, MMYuvPlanes *planes,
                          const ChromaDone &chromaDone = ChromaDone(),
-                         const std::function<void()> &inputRead = nullptr);
+                         const std::function<void()> &inputRead = nullptr, MMRunProgress *progress = nullptr);
 };

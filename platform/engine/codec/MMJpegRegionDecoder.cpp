@@ -1,6 +1,7 @@
 #include "MMJpegRegionDecoder.h"
 #include "MMJpegErrorJump.h"
 #include "MMJpegKeptRows.h"
+#include "MMJpegProgressHook.h"
 #include "MMJpegReaders.h"
 #include "MMJpegScanSplitter.h"
 #include "MMLanczosScaler.h"
@@ -33,6 +34,7 @@ struct Decoder
     std::unique_ptr<MMLanczosScaler> scaler;
     MMJpegKeptRows keptRows;
     bool arrived = false; // said to job.readers that the stream is read
+    MMJpegProgressHook hook;
 };
 
 // Where pixel (x, y) of the decoded region goes: out + x * stepX + y * stepY.
@@ -139,6 +141,7 @@ struct Job
     bool dcOnly = false; // progressive at 1/8: stop reading once DC is whole
     MMJpegScanSplitter *streams = nullptr; // set when luma and chroma are decoded apart
     MMJpegReaders *readers = nullptr;      // set when the bytes may go once read
+    MMRunProgress *progress = nullptr;     // set when a save follows: rows read and put out
 };
 
 // One decoder's share of a job: target rows [firstOut, endOut), and when the
@@ -241,9 +244,12 @@ bool runPart(Decoder &d, const Job &job, const Share &share)
         const unsigned mine = !job.streams ? all : share.part == MMJpegScanSplitter::Luma ? 1u : all & ~1u;
         d.keptRows.install(&cinfo, mine, (job.rect.y() + first) / iMcu - 2, (job.rect.y() + end - 1) / iMcu + 3);
     }
+    // Reading a progressive stream counts as much as putting its rows out.
+    d.hook.attach(&cinfo, job.progress, cinfo.progressive_mode && !dcOnly ? end - first : 0);
     jpeg_start_decompress(&cinfo);
     if (dcOnly && !consumeUntilDcWhole(cinfo))
         return false;
+    d.hook.doneReading();
     if (job.readers) {
         d.arrived = true;
         job.readers->arrive(true);
@@ -308,6 +314,11 @@ bool runPart(Decoder &d, const Job &job, const Share &share)
             }
         }
         row += got;
+        if (job.progress) {
+            job.progress->advance(got);
+            if (job.progress->isCancelled())
+                return false;
+        }
     }
     if (pending > 0)
         placeBand(job.where, bpp, d.shrunk.data(), ptrdiff_t(outStride), pendingFirst, pending, job.target.width());
@@ -422,7 +433,7 @@ bool probe(Job &job, bool *grey, bool *progressive, bool *ycc)
 
 QImage MMJpegRegionDecoder::decode(const QByteArray &jpeg, const QSize &storedSize, int scaleDenom, const QRect &rect,
                                    const MMOrientation &orientation, QImage::Format format, const QSize &shrinkTo,
-                                   const std::function<void()> &inputRead)
+                                   const std::function<void()> &inputRead, MMRunProgress *progress)
 {
     if (jpeg.isEmpty() || (scaleDenom != 1 && scaleDenom != 2 && scaleDenom != 4 && scaleDenom != 8)
         || rect.isEmpty())
@@ -471,9 +482,18 @@ QImage MMJpegRegionDecoder::decode(const QByteArray &jpeg, const QSize &storedSi
     const bool large = std::thread::hardware_concurrency() > 1
         && qint64(rect.width()) * rect.height() >= kSplitPixels && rows >= 4 * kBandRows;
     MMJpegScanSplitter streams;
+    job.progress = progress;
     // Each part holds the coefficients of its own components only: the two
     // together hold what one decoder of the whole stream would.
-    if (large && progressive && ycc && !job.dcOnly && job.target == rect.size() && streams.split(jpeg)) {
+    const bool split = large && progressive && ycc && !job.dcOnly && job.target == rect.size() && streams.split(jpeg);
+    if (progress) {
+        // The source rows each part decodes, once read and once put out.
+        int first = 0, end = rows;
+        if (job.target != rect.size())
+            MMLanczosScaler::sourceRows(rect.height(), job.target.height(), 0, rows, &first, &end);
+        progress->setUnits(qint64(end - first) * (progressive && !job.dcOnly ? 2 : 1) * (split ? 2 : 1));
+    }
+    if (split) {
         job.streams = &streams;
         MMJpegReaders readers(2, inputRead);
         job.readers = &readers;

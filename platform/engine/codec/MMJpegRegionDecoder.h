@@ -5,6 +5,8 @@
 #include <QRect>
 #include <functional>
 
+class MMRunProgress;
+
 // Decodes part of a 1- or 3-component JPEG through the libjpeg API: rows
 // above the part are skipped (entropy-decoded only), columns beside it are
 // not reconstructed, nothing below it is read, optionally at 1/2, 1/4 or
@@ -27,8 +29,10 @@ public:
     // it while decoding (MMLanczosScaler), so the full-size rect is never
     // held. inputRead, when given, is called once a progressive stream
     // has been read whole (before its pixels are made): nothing reads jpeg
-    // after that, so the caller may free it. Null on any failure.
+    // after that, so the caller may free it. progress, when given, gets
+    // the rows read and put out (its step's units are set here), and a
+    // cancel stops the decode. Null on any failure.
     static QImage decode(const QByteArray &jpeg, const QSize &storedSize, int scaleDenom, const QRect &rect,
                          const MMOrientation &orientation, QImage::Format format, const QSize &shrinkTo = QSize(),
-                         const std::function<void()> &inputRead = nullptr);
+                         const std::function<void()> &inputRead = nullptr, MMRunProgress *progress = nullptr);
 };

@@ -15,6 +15,7 @@
 #include "MMMetadata.h"
 #include "MMMirrorCommand.h"
 #include "MMRotateCommand.h"
+#include "MMRunProgress.h"
 #include "MMYuvPlanes.h"
 #include <QFile>
 #include <functional>
@@ -23,6 +24,10 @@
 #include <sys/stat.h>
 
 namespace {
+// Where a save's steps end, in permille of the whole (MMRunProgress): the
+// decode takes most of the time, then the encode; the write is quick.
+const int kRead = 20, kDecoded = 600, kEdited = 650, kWriting = 950, kDone = 1000;
+
 bool isSameFile(const QString &a, const QString &b)
 {
     struct stat sa, sb;
@@ -64,9 +69,10 @@ QByteArray readFile(const QString &path)
 // copied metadata fixed for the new size and orientation. When that cannot
 // be fixed, a stale orientation would turn the picture again: bare() then
 // gives the same stream without the copied markers, and the metadata is
-// carried over afresh. 0, -1 when bare() fails, -2 when the write fails.
+// carried over afresh. 0, -1 when bare() fails, -2 when the write fails
+// or the save is cancelled.
 int writeLossless(const QString &in, const QString &out, QByteArray made, const QSize &size,
-                  const std::function<QByteArray()> &bare)
+                  const std::function<QByteArray()> &bare, MMRunProgress *progress)
 {
     const auto picture = [&made] { return MMMetadata::thumbnailSource(made); };
     QByteArray result = MMMetadata::normalize(made, size, picture);
@@ -78,6 +84,11 @@ int writeLossless(const QString &in, const QString &out, QByteArray made, const 
         if (result.isEmpty())
             result = made;
     }
+    if (progress) {
+        progress->reach(kWriting);
+        if (progress->isCancelled())
+            return -2;
+    }
     return MMAtomicFile::write(out, result) == 0 ? 0 : -2;
 }
 
@@ -85,7 +96,7 @@ int writeLossless(const QString &in, const QString &out, QByteArray made, const 
 // kept. -1 when the size does not allow a perfect transform (or the stream
 // will not transform), so the caller decodes instead.
 int runLossless(const QString &in, const QByteArray &source, const QString &out, const MMImageHeader &header,
-                const MMOrientation &edits)
+                const MMOrientation &edits, MMRunProgress *progress)
 {
     if (source.isEmpty())
         return -1;
@@ -96,14 +107,14 @@ int runLossless(const QString &in, const QByteArray &source, const QString &out,
     if (turned.isEmpty())
         return -1;
     return writeLossless(in, out, turned, edits.map(header.uprightSize()),
-                         [&] { return MMJpegCodec::transform(source, total, false, progressive); });
+                         [&] { return MMJpegCodec::transform(source, total, false, progressive); }, progress);
 }
 
 // Cuts a JPEG by copying the coefficients of the kept blocks, then turns
 // the cut without loss when the plan turns it too (and its size allows).
 // The same return values as runLossless.
 int runLosslessCut(const QString &in, const QByteArray &source, const QString &out, const MMImageHeader &header,
-                   const MMEditPlanner::Plan &plan)
+                   const MMEditPlanner::Plan &plan, MMRunProgress *progress)
 {
     if (source.isEmpty())
         return -1;
@@ -117,7 +128,8 @@ int runLosslessCut(const QString &in, const QByteArray &source, const QString &o
     const QByteArray made = make(true);
     if (made.isEmpty())
         return -1;
-    return writeLossless(in, out, made, plan.orientation.map(plan.decodeRect.size()), [&] { return make(false); });
+    return writeLossless(in, out, made, plan.orientation.map(plan.decodeRect.size()), [&] { return make(false); },
+                         progress);
 }
 
 MMEncodeOptions encodeOptions(const MMImageHeader &header, const QByteArray &format, const QString &in)
@@ -147,7 +159,7 @@ const qint64 kPlanesPixels = 1 << 20;
 // is re-encoded progressive. -1 on failure, 1 when the stream does not suit
 // (nothing done).
 int runPlanes(QByteArray &source, const QString &out, const MMImageHeader &header,
-              const MMEditPlanner::Plan &plan, const MMEncodeOptions &options)
+              const MMEditPlanner::Plan &plan, const MMEncodeOptions &options, MMRunProgress *progress)
 {
     const QSize stored = header.storedSize();
     if (!plan.rest.empty() || plan.resizeTo.isValid() || plan.scaleDenom != 1
@@ -176,13 +188,15 @@ int runPlanes(QByteArray &source, const QString &out, const MMImageHeader &heade
             chromaWhole.set_value(true);
         };
     }
+    if (progress)
+        progress->beginStep(kRead, kDecoded);
     const MMJpegPlaneDecoder::Result result
         = MMJpegPlaneDecoder::decode(source, plan.orientation, &planes, chromaDone, [&] {
               source = QByteArray();
               read = true;
               if (chroma.valid())
                   streamRead.set_value(true);
-          });
+          }, progress);
     if (chroma.valid() && !signalled)
         chromaWhole.set_value(false);
     if (chroma.valid() && !read)
@@ -201,19 +215,25 @@ int runPlanes(QByteArray &source, const QString &out, const MMImageHeader &heade
     std::function<QByteArray()> chromaScans;
     if (signalled)
         chromaScans = [&chroma] { return chroma.get(); };
+    if (progress && progress->isCancelled()) {
+        if (chroma.valid())
+            chroma.wait();
+        return -1;
+    }
     return MMImageWriter::write(planes, out, options, chromaScans);
 }
 
 // Replays a plan on a 1- or 3-component JPEG: only the needed part is
 // decoded, already turned. A null image when the plan cannot be replayed.
 // The source is freed as soon as it has been read.
-QImage decodePlanned(QByteArray &source, const MMImageHeader &header, const MMEditPlanner::Plan &plan, bool toJpeg)
+QImage decodePlanned(QByteArray &source, const MMImageHeader &header, const MMEditPlanner::Plan &plan, bool toJpeg,
+                     MMRunProgress *progress)
 {
     // Three bytes a pixel when nothing but the encoder will read them.
     const bool packed = toJpeg && plan.rest.empty();
     QImage image = MMJpegRegionDecoder::decode(source, header.storedSize(), plan.scaleDenom, plan.decodeRect,
                                                plan.orientation, packed ? QImage::Format_RGB888 : QImage::Format_RGB32,
-                                               plan.resizeTo, [&source] { source = QByteArray(); });
+                                               plan.resizeTo, [&source] { source = QByteArray(); }, progress);
     source = QByteArray();
     if (image.isNull() || !plan.resizeTo.isValid())
         return image;
@@ -224,6 +244,27 @@ QImage decodePlanned(QByteArray &source, const MMImageHeader &header, const MMEd
 int MMCommandRunner::run(const MMImageSource &source, const MMImageSource &destination,
                          const std::list<MMCommand *> &commands)
 {
+    return run(source, destination, commands, nullptr);
+}
+
+int MMCommandRunner::run(const MMImageSource &source, const MMImageSource &destination,
+                         const std::list<MMCommand *> &commands, MMRunProgress *progress)
+{
+    // Between steps: stopped when cancelled, else at least at value.
+    const auto going = [progress](int value) {
+        if (!progress)
+            return true;
+        progress->reach(value);
+        return !progress->isCancelled();
+    };
+    if (!going(0))
+        return -1;
+    // Once the destination is written the save is done, cancelled or not.
+    const auto done = [progress](int result) {
+        if (result == 0 && progress)
+            progress->reach(kDone);
+        return result == 0 ? 0 : -1;
+    };
     const QString in = QString::fromStdString(source.getFileName());
     const QString out = QString::fromStdString(destination.getFileName());
     if (in.isEmpty() || out.isEmpty())
@@ -252,9 +293,11 @@ int MMCommandRunner::run(const MMImageSource &source, const MMImageSource &desti
     if (header.format() == MM_FORMAT_JPEG)
         jpegBytes = readFile(in);
     if (geometryOnly && sameFormat && header.format() == MM_FORMAT_JPEG) {
-        const int lossless = runLossless(in, jpegBytes, out, header, edits);
+        if (!going(kRead))
+            return -1;
+        const int lossless = runLossless(in, jpegBytes, out, header, edits, progress);
         if (lossless == 0)
-            return 0;
+            return done(0);
         if (lossless == -2)
             return -1; // transformed, but the write failed; a re-encode would fail the same way
     }
@@ -263,30 +306,38 @@ int MMCommandRunner::run(const MMImageSource &source, const MMImageSource &desti
     if (header.format() == MM_FORMAT_JPEG && (components == 1 || components == 3)) {
         const MMEditPlanner::Plan plan = MMEditPlanner::plan(header.storedSize(), header.orientation(), commands);
         if (sameFormat && plan.isCut(header.storedSize())) {
-            const int lossless = runLosslessCut(in, jpegBytes, out, header, plan);
+            if (!going(kRead))
+                return -1;
+            const int lossless = runLosslessCut(in, jpegBytes, out, header, plan, progress);
             if (lossless != -1)
-                return lossless == 0 ? 0 : -1;
+                return done(lossless);
         }
         if (plan.valid && format == "jpeg") {
-            const int planes = runPlanes(jpegBytes, out, header, plan, encodeOptions(header, format, in));
+            if (!going(kRead))
+                return -1;
+            const int planes = runPlanes(jpegBytes, out, header, plan, encodeOptions(header, format, in), progress);
             if (planes != 1)
-                return planes;
+                return done(planes);
         }
         if (plan.valid) {
-            QImage image = decodePlanned(jpegBytes, header, plan, format == "jpeg");
-            if (image.isNull())
+            if (progress)
+                progress->beginStep(kRead, kDecoded);
+            QImage image = decodePlanned(jpegBytes, header, plan, format == "jpeg", progress);
+            if (image.isNull() || !going(kDecoded))
                 return -1;
             for (const MMCommand *command : plan.rest) {
                 if (command->apply(image) != 0)
                     return -1;
             }
-            return MMImageWriter::write(image, out, encodeOptions(header, format, in));
+            if (!going(kEdited))
+                return -1;
+            return done(MMImageWriter::write(image, out, encodeOptions(header, format, in)));
         }
     }
 
     jpegBytes = QByteArray();
     QImage image = MMImageDecoder::decode(in);
-    if (image.isNull())
+    if (image.isNull() || !going(kDecoded))
         return -1;
     if (image.depth() != 32 && image.format() != QImage::Format_Grayscale8)
         image = image.convertToFormat(image.hasAlphaChannel() ? QImage::Format_ARGB32 : QImage::Format_RGB32);
@@ -294,5 +345,7 @@ int MMCommandRunner::run(const MMImageSource &source, const MMImageSource &desti
         if (command->apply(image) != 0)
             return -1;
     }
-    return MMImageWriter::write(image, out, encodeOptions(header, format, in));
+    if (!going(kEdited))
+        return -1;
+    return done(MMImageWriter::write(image, out, encodeOptions(header, format, in)));
 }

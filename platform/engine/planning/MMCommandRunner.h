@@ -3,6 +3,7 @@
 
 class MMCommand;
 class MMImageSource;
+class MMRunProgress;
 
 // Replays a command list from one image file into another: decode once, apply
 // every command in order, write once in the destination's format (by its
@@ -20,4 +21,10 @@ public:
     // 0 on success, -1 on any failure (the destination is then untouched).
     static int run(const MMImageSource &source, const MMImageSource &destination,
                    const std::list<MMCommand *> &commands);
+    // The same, reporting how far it has got to progress (from the threads
+    // that do the work), which may be cancelled from any thread: the run
+    // then fails (-1) and the destination is untouched, unless it was
+    // already being written.
+    static int run(const MMImageSource &source, const MMImageSource &destination,
+                   const std::list<MMCommand *> &commands, MMRunProgress *progress);
 };

@@ -10,6 +10,8 @@
 #include "MMJpegProgressiveEncoder.h"
 #include "MMJpegRegionDecoder.h"
 #include "MMLanczosScaler.h"
+#include "MMRunProgress.h"
+#include <mutex>
 #include "requiretool.h"
 #include "datarows.h"
 #include <QTemporaryDir>
@@ -207,6 +209,64 @@ private slots:
         const QImage cut = djpeg(out);
         QVERIFY(!cut.isNull());
         QCOMPARE(cut, djpeg(reference));
+    }
+
+    void progressIsReportedAndCancelStops_data()
+    {
+        // stripsAtLeast: distinct values the listener must see, more than
+        // the steps alone give when the decoder reports its strips.
+        columns<QString, QString, QSize, int>({"commands", "options", "size", "stripsAtLeast"});
+        const QSize large(1280, 1024);
+        QTest::newRow("progressive turn, planes in two parts") << "r90" << "-sample 2x1 -progressive" << QSize(1270, 1018) << 20;
+        QTest::newRow("baseline turn, planes") << "r90 r90" << "-sample 2x2" << QSize(1200, 1000) << 20;
+        QTest::newRow("crop, region decode") << "c5,7,900,700" << "-sample 2x2" << large << 20;
+        QTest::newRow("progressive shrink") << "s640,512" << "-sample 2x2 -progressive" << large << 20;
+        QTest::newRow("lossless cut: steps only") << "c16,16,640,512" << "-sample 2x2" << large << 2;
+    }
+
+    void progressIsReportedAndCancelStops()
+    {
+        auto [commands, options, size, stripsAtLeast] = fetch<QString, QString, QSize, int>({"commands", "options", "size", "stripsAtLeast"});
+        const QString in = makeJpeg(detailedPhoto(size), "progress.jpg", 90, options.split(' '));
+        CommandList list;
+        parseCommands(commands, list);
+
+        std::mutex mutex;
+        std::vector<int> seen;
+        MMRunProgress progress([&](int permille) {
+            std::lock_guard<std::mutex> lock(mutex);
+            seen.push_back(permille);
+        });
+        const QString out = path("progress-out.jpg");
+        QFile::remove(out);
+        QCOMPARE(MMCommandRunner::run(EngineTestTools::source(in), EngineTestTools::source(out), list.list, &progress), 0);
+        QCOMPARE(progress.permille(), 1000);
+        std::sort(seen.begin(), seen.end());
+        QVERIFY(std::adjacent_find(seen.begin(), seen.end()) == seen.end()); // each value once
+        QVERIFY2(int(seen.size()) >= stripsAtLeast, qPrintable(QString::number(seen.size()) + " values, last " + QString::number(seen.back())));
+        QCOMPARE(seen.back(), 1000);
+
+        // Cancelled from the working thread part way: no result, and an
+        // existing destination is left as it was.
+        const QString kept = path("progress-kept.jpg");
+        QFile::remove(kept);
+        QVERIFY(QFile::copy(in, kept));
+        const QByteArray before = bytes(kept);
+        MMRunProgress cancelling;
+        MMRunProgress *self = &cancelling;
+        MMRunProgress halfway([&self](int permille) {
+            if (permille >= 100)
+                self->cancel();
+        });
+        self = &halfway;
+        QCOMPARE(MMCommandRunner::run(EngineTestTools::source(in), EngineTestTools::source(kept), list.list, &halfway), -1);
+        QCOMPARE(bytes(kept), before);
+        QVERIFY(halfway.permille() < 1000);
+        // Cancelled before it starts.
+        MMRunProgress early;
+        early.cancel();
+        QCOMPARE(MMCommandRunner::run(EngineTestTools::source(in), EngineTestTools::source(kept), list.list, &early), -1);
+        QCOMPARE(bytes(kept), before);
     }
 
     void identityChainLeavesBytesUnchanged()
