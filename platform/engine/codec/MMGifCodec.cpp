@@ -61,6 +61,8 @@ bool MMGifCodec::readHeader(const QByteArray &data, Header &header)
     qint64 pos = 13;
     if (d[10] & 0x80)
         pos += 3LL << ((d[10] & 7) + 1);
+    // A file cut inside a block is damaged; one that ends between blocks
+    // without its trailer byte is what many encoders write.
     while (pos < data.size()) {
         const uchar block = d[pos];
         if (block == 0x3B)
@@ -68,10 +70,10 @@ bool MMGifCodec::readHeader(const QByteArray &data, Header &header)
         if (block == 0x21) {
             pos += 2;
             if (!skipSubBlocks(data, pos))
-                break;
+                return false;
         } else if (block == 0x2C) {
             if (pos + 10 > data.size())
-                break;
+                return false;
             const QRect rect(le16(d + pos + 1), le16(d + pos + 3), le16(d + pos + 5), le16(d + pos + 7));
             const uchar flags = d[pos + 9];
             pos += 10;
@@ -79,7 +81,7 @@ bool MMGifCodec::readHeader(const QByteArray &data, Header &header)
                 pos += 3LL << ((flags & 7) + 1);
             pos += 1; // LZW code size
             if (pos > data.size() || !skipSubBlocks(data, pos))
-                break;
+                return false;
             if (rect.isEmpty() || !QRect(QPoint(0, 0), header.canvas).contains(rect))
                 return false;
             ++header.frames;

@@ -29,8 +29,12 @@ void writeBytes(png_structp png, png_bytep in, png_size_t length)
 
 void flushNothing(png_structp) {}
 
-// libpng reports errors by longjmp; warnings stay quiet.
+// libpng reports errors by longjmp; neither they nor warnings are printed.
 void quietWarning(png_structp, png_const_charp) {}
+[[noreturn]] void quietError(png_structp png, png_const_charp)
+{
+    png_longjmp(png, 1);
+}
 
 // Text chunks may come before the picture data or after it: called after
 // each, it takes what the first call has not.
@@ -71,7 +75,7 @@ void collect(png_structp png, png_infop info, MMPngCodec::Chunks &c)
 
 bool MMPngCodec::readChunks(const QByteArray &data, Chunks &chunks)
 {
-    png_structp png = png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, quietWarning);
+    png_structp png = png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, quietError, quietWarning);
     png_infop info = png ? png_create_info_struct(png) : nullptr;
     if (!info) {
         png_destroy_read_struct(&png, nullptr, nullptr);
@@ -93,7 +97,7 @@ bool MMPngCodec::readChunks(const QByteArray &data, Chunks &chunks)
 
 QImage MMPngCodec::decode(const QByteArray &data, Chunks *chunks)
 {
-    png_structp png = png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, quietWarning);
+    png_structp png = png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, quietError, quietWarning);
     png_infop info = png ? png_create_info_struct(png) : nullptr;
     if (!info) {
         png_destroy_read_struct(&png, nullptr, nullptr);
@@ -271,7 +275,7 @@ QByteArray MMPngCodec::encode(const QImage &source, const Chunks &chunks)
     }
 
     QByteArray bytes;
-    png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, quietWarning);
+    png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, quietError, quietWarning);
     png_infop info = png ? png_create_info_struct(png) : nullptr;
     if (!info) {
         png_destroy_write_struct(&png, nullptr);

@@ -1,4 +1,5 @@
 #include "MMWebpCodec.h"
+#include <QtEndian>
 #include <webp/decode.h>
 #include <webp/demux.h>
 #include <webp/encode.h>
@@ -24,6 +25,9 @@ struct Demux
 bool MMWebpCodec::readHeader(const QByteArray &data, Header &header)
 {
     header = Header();
+    // The RIFF size says where the file ends: one cut short is damaged.
+    if (data.size() < 12 || qint64(qFromLittleEndian<quint32>(data.constData() + 4)) + 8 > data.size())
+        return false;
     WebPBitstreamFeatures features;
     if (WebPGetFeatures(reinterpret_cast<const uint8_t *>(data.constData()), size_t(data.size()), &features)
         != VP8_STATUS_OK)
