@@ -242,6 +242,34 @@ void packRow(const QImage &image, int y, int colorType, int depth, std::vector<u
 }
 }
 
+namespace {
+// 8-bit RGB or RGBA from the formats edits leave (RGB888, RGB32, ARGB32);
+// false for any other pair.
+bool packRow8(const QImage &image, int y, int colorType, std::vector<uchar> &out)
+{
+    const int w = image.width();
+    const uchar *in = image.constScanLine(y);
+    if (image.format() == QImage::Format_RGB888 && colorType == PNG_COLOR_TYPE_RGB) {
+        std::memcpy(out.data(), in, size_t(w) * 3);
+        return true;
+    }
+    const bool rgb32 = image.format() == QImage::Format_RGB32 || image.format() == QImage::Format_ARGB32;
+    if (!rgb32 || (colorType != PNG_COLOR_TYPE_RGB && colorType != PNG_COLOR_TYPE_RGB_ALPHA))
+        return false;
+    const QRgb *px = reinterpret_cast<const QRgb *>(in);
+    uchar *o = out.data();
+    const bool alpha = colorType == PNG_COLOR_TYPE_RGB_ALPHA;
+    for (int x = 0; x < w; ++x) {
+        *o++ = uchar(qRed(px[x]));
+        *o++ = uchar(qGreen(px[x]));
+        *o++ = uchar(qBlue(px[x]));
+        if (alpha)
+            *o++ = uchar(image.format() == QImage::Format_RGB32 ? 255 : qAlpha(px[x]));
+    }
+    return true;
+}
+}
+
 QByteArray MMPngCodec::encode(const QImage &source, const Chunks &chunks)
 {
     if (source.isNull())
@@ -334,7 +362,9 @@ QByteArray MMPngCodec::encode(const QImage &source, const Chunks &chunks)
             png_write_row(png, const_cast<png_bytep>(indexed.constScanLine(y)));
             continue;
         }
-        if (work.isNull()) {
+        if (work.isNull() && depth == 8 && packRow8(source, y, type, row))
+            ; // the usual 8-bit layouts, straight from the picture's row
+        else if (work.isNull()) {
             // One row converted: never a second whole frame.
             const QImage line = source.copy(0, y, source.width(), 1).convertToFormat(QImage::Format_RGBA64);
             packRow(line, 0, type, depth, row);
