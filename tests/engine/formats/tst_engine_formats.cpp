@@ -146,6 +146,52 @@ private slots:
         QVERIFY2(ok, "scripts/make-format-corpus.sh failed");
     }
 
+    // The format a save writes: over the picture itself always its own,
+    // judged by content; under another name the name's, when it names one.
+    void writtenFormat_data()
+    {
+        columns<QString, QString, bool, QByteArray>({"content", "name", "sameFile", "format"});
+        QTest::newRow("gif over itself") << "anim.gif" << "a.gif" << true << QByteArray("gif");
+        QTest::newRow("png named .jpg, over itself") << "text.png" << "a.jpg" << true << QByteArray("png");
+        QTest::newRow("heif named .png, over itself") << "photo.heic" << "a.png" << true << QByteArray("heif");
+        QTest::newRow("webp as .gif") << "lossy.webp" << "b.gif" << false << QByteArray("gif");
+        QTest::newRow("png as .HEIC") << "text.png" << "b.HEIC" << false << QByteArray("heif");
+        QTest::newRow("gif under no extension") << "still.gif" << "b" << false << QByteArray("gif");
+        QTest::newRow("gif under an unknown one") << "still.gif" << "b.txt" << false << QByteArray("gif");
+    }
+
+    void writtenFormat()
+    {
+        auto [content, name, sameFile, format] = fetch<QString, QString, bool, QByteArray>({"content", "name", "sameFile", "format"});
+        const MMImageHeader header = MMImageHeader::read(m_corpus + "/" + content);
+        QVERIFY(header.isValid());
+        QCOMPARE(MMFileFormat::forOutput(name, header.qtFormat(), sameFile), format);
+    }
+
+    // The extension Save as offers: the picture's own, by content.
+    void offeredExtension_data()
+    {
+        columns<QString, QString>({"name", "suffix"});
+        QTest::newRow("gif") << "anim.gif" << "gif";
+        QTest::newRow("png named .jpg") << "text.png:a.jpg" << "png";
+        QTest::newRow("heif named .HEIC") << "photo.heic:a.HEIC" << "HEIC";
+        QTest::newRow("webp named .gif") << "lossless.webp:a.gif" << "webp";
+        QTest::newRow("no picture yet, .webp") << ":new.webp" << "webp";
+        QTest::newRow("no picture yet, unknown") << ":new.xyz" << "png";
+    }
+
+    void offeredExtension()
+    {
+        auto [name, suffix] = fetch<QString, QString>({"name", "suffix"});
+        // content:name, the content copied under that name; no content: no file.
+        const QString content = name.section(':', 0, 0), as = name.contains(':') ? name.section(':', 1) : content;
+        const QString file = m_dir.filePath("offer-" + as);
+        QFile::remove(file);
+        if (!content.isEmpty())
+            QVERIFY(QFile::copy(m_corpus + "/" + content, file));
+        QCOMPARE(MMFileFormat::saveSuffixFor(file), suffix);
+    }
+
     // limit: how far the result may be from ImageMagick's edit (RMSE, 0..1);
     // 0 for the exact edits of formats that lose nothing.
     void savedBack_data()
