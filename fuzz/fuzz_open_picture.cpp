@@ -3,6 +3,8 @@
 // at reduced scale and written as the preview copy), and, for pictures small
 // enough to keep the fuzzer fast, the full decode a save starts from.
 #include "FuzzScratch.h"
+#include "MMCommandRunner.h"
+#include "MMRotateCommand.h"
 #include "MMImageDecoder.h"
 #include "MMImageHeader.h"
 #include "MMImageInfo.h"
@@ -60,6 +62,20 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         const QImage full = MMImageDecoder::decode(path);
         if (!full.isNull())
             fuzz::require(full.size() == header.uprightSize());
+    }
+    // An animation is saved frame by frame: turn it, and what is written
+    // must be an animation of as many frames, turned.
+    if (header.frames() > 1 && qint64(stored.width()) * stored.height() * header.frames() <= kFullDecodePixels) {
+        MMRotateCommand turn;
+        turn.setDegree(90);
+        const QString out = fuzz::scratchPath(QStringLiteral("turned.") + QString::fromLatin1(header.qtFormat()));
+        MMImageSource destination;
+        destination.setFile(out.toStdString());
+        if (MMCommandRunner::run(source, destination, {&turn}) == 0) {
+            const MMImageHeader written = MMImageHeader::read(out);
+            fuzz::require(written.isValid() && written.frames() == header.frames()
+                          && written.uprightSize() == header.uprightSize().transposed());
+        }
     }
     return 0;
 }

@@ -3,6 +3,7 @@
 // through the same runner. A run that reports success must have written a
 // picture that opens; one that fails must leave the destination untouched.
 #include "FuzzScratch.h"
+#include "MMGifCodec.h"
 #include "MMCommandRunner.h"
 #include "MMCropCommand.h"
 #include "MMEffectCommand.h"
@@ -49,6 +50,8 @@ QStringList sources()
         { "s444p.jpg", 48, 32, false, MMJpegHeader::Sub444, true },
         { "grey.jpg", 17, 40, false, MMJpegHeader::SubGray, false },
         { "alpha.png", 21, 13, true, MMJpegHeader::Sub420, false },
+        { "still.gif", 19, 11, true, MMJpegHeader::Sub420, false },
+        { "lossy.webp", 23, 17, false, MMJpegHeader::Sub420, false },
     };
     for (const Made &m : made) {
         MMEncodeOptions options;
@@ -61,6 +64,19 @@ QStringList sources()
         fuzz::require(MMImageWriter::write(image, path, options) == 0);
         list << path;
     }
+    // An animation whose frames have their own places, delays and disposal.
+    MMGifCodec::Writer gif(QSize(24, 18), 0);
+    MMAnimationFrame frame;
+    frame.image = picture(24, 18, false);
+    frame.delayMs = 100;
+    fuzz::require(gif.addFrame(frame));
+    frame.image = picture(9, 7, true);
+    frame.offset = QPoint(11, 5);
+    frame.disposal = MMAnimationFrame::DisposeBackground;
+    fuzz::require(gif.addFrame(frame));
+    const QString animation = fuzz::scratchPath(QStringLiteral("src-anim.gif"));
+    fuzz::require(fuzz::writeFile(animation, gif.finish()));
+    list << animation;
     return list;
 }
 
@@ -129,8 +145,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     fuzz::Reader in(data, size);
     const QStringList from = sources();
     const QString sourcePath = from.at(in.byte() % from.size());
-    static const char *const kOut[] = { "out.jpg", "out.png", "out.bmp", "out" };
-    const QString outPath = fuzz::scratchPath(QLatin1String(kOut[in.byte() % 4]));
+    static const char *const kOut[] = { "out.jpg", "out.png", "out.bmp", "out", "out.gif", "out.webp" };
+    const QString outPath = fuzz::scratchPath(QLatin1String(kOut[in.byte() % 6]));
 
     std::vector<std::unique_ptr<MMCommand>> owned;
     std::list<MMCommand *> commands;

@@ -21,6 +21,10 @@ TARGET_PACKAGES=(
   libturbojpeg0-dev
   libjpeg62-turbo-dev
   libexiv2-dev
+  libgif-dev
+  libpng-dev
+  libwebp-dev
+  libheif-dev
 )
 # Host packages: the cross compiler, the emulator, Qt's host tools (moc, rcc, uic).
 HOST_PACKAGES=(

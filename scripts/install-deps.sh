@@ -9,6 +9,8 @@ PACKAGES=(
   qt6-base-dev qt6-base-dev-tools qt6-qpa-plugins
   qt6-tools-dev qt6-l10n-tools
   libturbojpeg0-dev libjpeg62-turbo-dev libexiv2-dev
+  libgif-dev libpng-dev libwebp-dev libheif-dev
+  webp libheif-examples
   libjpeg-turbo-progs imagemagick libvips-tools libimage-exiftool-perl
   xvfb xauth fonts-dejavu-core
   lomiri-wallpapers-20.04 mate-backgrounds

@@ -33,6 +33,11 @@ convert "$tmp/photo.png" "$pic/photo.bmp"
 head -c 300 "$pic/baseline420.jpg" >"$pic/truncated.jpg"
 head -c 120 "$pic/photo.png" >"$pic/truncated.png"
 : >"$pic/empty"
+# GIF (still, animated), PNG of every depth, WebP (lossy, lossless,
+# animated) and HEIF, whole and cut short.
+bash "$(dirname "$0")/make-format-corpus.sh" "$tmp/formats"
+cp "$tmp/formats"/* "$pic/"
+for f in anim.gif anim.webp photo.heic; do head -c 200 "$tmp/formats/$f" >"$pic/truncated-$f"; done
 
 # A minimal ICC profile: the 128-byte header (size 132, display class, RGB
 # to XYZ, the 'acsp' signature) and an empty tag table.

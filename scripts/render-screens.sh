@@ -77,10 +77,12 @@ for size in 240x320 480x640; do
   keep "$work/busy" 0 being-edited "$size"
 done
 
-# The wait dialog and the storage-full notice, as the geometry test lays them out.
+# The wait dialog, the storage-full notice and the notice of a format that can not
+# be saved over, as the geometry test lays them out.
 VO_SCREENS_DIR="$work/geometry" "$geometry" >/dev/null
 for size in 240x320 480x640; do
   convert "$work/geometry/$size-wait.png" -strip +dither -colors 128 "PNG8:$out/wait-$size.png"
   convert "$work/geometry/$size-storage-full.png" -strip +dither -colors 128 "PNG8:$out/storage-full-$size.png"
+  convert "$work/geometry/$size-format-notice.png" -strip +dither -colors 128 "PNG8:$out/format-notice-$size.png"
 done
 ls "$out"

@@ -120,6 +120,9 @@ private:
     void saveToOriginal();
     void saveAsNewFile();
     void showMemoryFullNotice();
+    // A picture whose format can not be written back: says so, and that
+    // Save as keeps the edits in a format that can. True when it was shown.
+    bool noticeUnwritableFormat();
 
     ImgImplServiceMgr *serviceMgr;
     ImgImplStatMachine *statMachine;

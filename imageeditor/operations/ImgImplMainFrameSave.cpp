@@ -7,6 +7,7 @@
 #include "ImgSvcCtlEvent.h"
 #include "ImgSvcSaveCtl.h"
 #include "ImgSvcSaveMgr.h"
+#include "MMFileFormat.h"
 #include "MMImageSource.h"
 #include "VOUtility.h"
 #include "ZNoticeDlg.h"
@@ -50,6 +51,8 @@ void ImgImplMainFrame::startSave(ImgSvcCtlEvent *event)
         control->setOutput(previewOrTmp());
     }
     control->refresh(true);
+    // Told before choosing: Save would write nothing.
+    noticeUnwritableFormat();
     save->setMainWidgetTitle(QFileInfo(originalFile).fileName());
     save->show();
     save->activateWindow();
@@ -59,7 +62,8 @@ void ImgImplMainFrame::saveToOriginal()
 {
     MMImageSource *real = imageStore->getRealSource();
     // A failed replay writes nothing; the edits are dropped all the same.
-    if (real && serviceMgr->processCmdList(*real, *real, cmdList) == 0) {
+    // The picture is never written over in another format than its own.
+    if (real && !noticeUnwritableFormat() && serviceMgr->processCmdList(*real, *real, cmdList) == 0) {
         // The edit lock moves to the new file with the save.
         if (imageStore->saveToOriginalFile(&lockFd) != 0)
             showMemoryFullNotice();
@@ -91,6 +95,21 @@ void ImgImplMainFrame::saveAsNewFile()
         }
     }
     dropEditsAndReload();
+}
+
+bool ImgImplMainFrame::noticeUnwritableFormat()
+{
+    if (MMFileFormat::canWriteBack(originalFile))
+        return false;
+    const QString text = QApplication::translate("ImgImplMainFrame", "TXT_RID_NOTICE_FORMAT_NOT_WRITABLE",
+                                                 "Pictures in this format can not be saved over. Save as keeps "
+                                                 "the edits in a new .%1 picture.")
+                             .arg(MMFileFormat::saveSuffixFor(originalFile));
+    auto *notice = new ZNoticeDlg(1, 0, QString(), text, nullptr, nullptr, true, 0);
+    notice->setTitleIcon(QStringLiteral("error_pop"));
+    notice->exec();
+    delete notice;
+    return true;
 }
 
 void ImgImplMainFrame::showMemoryFullNotice()

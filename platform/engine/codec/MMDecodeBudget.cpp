@@ -8,6 +8,12 @@ bool MMDecodeBudget::allowsSize(const QSize &size)
         && qint64(size.width()) * size.height() <= MaxPixels;
 }
 
+bool MMDecodeBudget::allowsAnimation(const QSize &canvas, int frames)
+{
+    return allowsSize(canvas) && frames >= 1 && frames <= MaxFrames
+        && (frames == 1 || qint64(canvas.width()) * canvas.height() * frames <= MaxAnimationPixels);
+}
+
 bool MMDecodeBudget::allowsJpeg(const MMJpegHeader &jpeg)
 {
     if (!allowsSize(QSize(jpeg.width(), jpeg.height())))

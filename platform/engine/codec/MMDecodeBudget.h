@@ -22,11 +22,17 @@ class MMDecodeBudget
 public:
     static constexpr qint64 MaxBytes = 96LL * 1024 * 1024;
     static constexpr qint64 MaxPixels = MaxBytes / 4;
+    // An animation is edited a frame at a time, each on a whole canvas:
+    // memory is one canvas, but the work grows with frames times canvas.
+    static constexpr int MaxFrames = 2000;
+    static constexpr qint64 MaxAnimationPixels = 4 * MaxPixels;
     // Largest side any of our formats can carry.
     static constexpr int MaxSide = 65535;
 
     // Sides within 1..MaxSide and at most MaxPixels.
     static bool allowsSize(const QSize &size);
+    // The canvas, and frames times canvas within the work bound.
+    static bool allowsAnimation(const QSize &canvas, int frames);
     // The frame size, and the coefficient memory when libjpeg buffers the
     // whole picture.
     static bool allowsJpeg(const MMJpegHeader &jpeg);

@@ -17,4 +17,10 @@ struct MMEncodeOptions
     // over (fixed for an upright picture); empty for none.
     QString metadataSource;
     bool keepIccProfile = true;
+    // WebP: lossless, or lossy at webpQuality.
+    bool webpLossless = false;
+    int webpQuality = 90;
+    // HEIF: quality, and EXIF (a TIFF structure) to carry.
+    int heifQuality = 90;
+    QByteArray heifExif;
 };

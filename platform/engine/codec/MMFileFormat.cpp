@@ -1,4 +1,6 @@
 #include "MMFileFormat.h"
+#include "MMHeifCodec.h"
+#include "MMImageHeader.h"
 #include <QFileInfo>
 #include <QImageReader>
 #include <QImageWriter>
@@ -16,6 +18,10 @@ MMImageFormat MMFileFormat::fromQtName(const QByteArray &qtName)
         return MM_FORMAT_BMP;
     if (n == "gif")
         return MM_FORMAT_GIF;
+    if (n == "webp")
+        return MM_FORMAT_WEBP;
+    if (n == "heif")
+        return MM_FORMAT_HEIF;
     return MM_FORMAT_OTHER;
 }
 
@@ -28,24 +34,60 @@ QByteArray MMFileFormat::fromExtension(const QString &path)
         return "jpeg";
     if (ext == "tif")
         return "tiff";
+    if (ext == "heic" || ext == "heif" || ext == "hif")
+        return "heif";
+    if (ext == "gif" || ext == "webp")
+        return ext;
     if (QImageWriter::supportedImageFormats().contains(ext) || QImageReader::supportedImageFormats().contains(ext))
         return ext;
     return QByteArray();
 }
 
-bool MMFileFormat::isWritable(const QByteArray &qtName)
+QString MMFileFormat::extensionFor(const QByteArray &qtName)
 {
-    // JPEG goes through TurboJPEG, not Qt's plugin.
-    return qtName == "jpeg" || (!qtName.isEmpty() && QImageWriter::supportedImageFormats().contains(qtName));
+    if (qtName == "jpeg")
+        return QStringLiteral("jpg");
+    if (qtName == "heif")
+        return QStringLiteral("heic");
+    return QString::fromLatin1(qtName);
 }
 
-QByteArray MMFileFormat::forOutput(const QString &path, const QByteArray &sourceQtName)
+bool MMFileFormat::isWritable(const QByteArray &qtName)
 {
-    const QByteArray ext = fromExtension(path);
-    if (isWritable(ext))
-        return ext;
+    // JPEG, GIF, WebP and HEIF go through their own libraries, not Qt's plugins.
+    if (qtName == "jpeg" || qtName == "gif" || qtName == "webp")
+        return true;
+    if (qtName == "heif")
+        return MMHeifCodec::canEncode();
+    return !qtName.isEmpty() && QImageWriter::supportedImageFormats().contains(qtName);
+}
+
+QByteArray MMFileFormat::forOutput(const QString &path, const QByteArray &sourceQtName, bool sameFile)
+{
     const QByteArray source = sourceQtName.toLower() == "jpg" ? QByteArray("jpeg") : sourceQtName.toLower();
-    if (isWritable(source))
-        return source;
-    return "png";
+    const QByteArray ext = fromExtension(path);
+    const QByteArray wanted = sameFile || ext.isEmpty() ? source : ext;
+    return isWritable(wanted) ? wanted : QByteArray();
+}
+
+bool MMFileFormat::canWriteBack(const QString &path)
+{
+    const MMImageHeader header = MMImageHeader::read(path);
+    return header.isValid() && isWritable(header.qtFormat());
+}
+
+QString MMFileFormat::saveSuffixFor(const QString &path)
+{
+    const MMImageHeader header = MMImageHeader::read(path);
+    if (!header.isValid()) {
+        // No picture to judge (a name not yet written): by its name.
+        const QString suffix = QFileInfo(path).suffix();
+        return isWritable(fromExtension(path)) ? suffix : QStringLiteral("png");
+    }
+    if (isWritable(header.qtFormat())) {
+        // The name's own extension when it names the picture's format.
+        const QString suffix = QFileInfo(path).suffix();
+        return fromExtension(path) == header.qtFormat() ? suffix : extensionFor(header.qtFormat());
+    }
+    return header.format() == MM_FORMAT_HEIF ? QStringLiteral("jpg") : QStringLiteral("png");
 }

@@ -1,7 +1,9 @@
 #include "MMImageDecoder.h"
+#include "MMHeifCodec.h"
 #include "MMImageHeader.h"
 #include "MMJpegCodec.h"
 #include "MMJpegRegionDecoder.h"
+#include "MMWebpCodec.h"
 #include <QFile>
 #include <QImageReader>
 #ifdef __GLIBC__
@@ -89,6 +91,20 @@ QImage load(const QString &path, const MMImageHeader &header, const QSize &uprig
         const QImage reduced = decodeJpegReduced(path, header, uprightTarget);
         if (!reduced.isNull())
             return reduced;
+    }
+
+    if (header.format() == MM_FORMAT_WEBP || header.format() == MM_FORMAT_HEIF) {
+        // Qt has no reader for these; the header has been judged already.
+        QFile file(path);
+        if (!file.open(QIODevice::ReadOnly))
+            return QImage();
+        const QByteArray data = file.readAll();
+        QImage image = header.format() == MM_FORMAT_WEBP ? MMWebpCodec::decode(data) : MMHeifCodec::decode(data);
+        if (image.size() != header.storedSize())
+            return QImage();
+        if (uprightTarget.isValid() && image.size() != uprightTarget)
+            image = image.scaled(uprightTarget, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+        return image;
     }
 
     QImageReader reader(path, header.qtFormat());

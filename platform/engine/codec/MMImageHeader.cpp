@@ -1,6 +1,9 @@
 #include "MMImageHeader.h"
 #include "MMDecodeBudget.h"
 #include "MMFileFormat.h"
+#include "MMGifCodec.h"
+#include "MMHeifCodec.h"
+#include "MMWebpCodec.h"
 #include <QFile>
 #include <QFileInfo>
 #include <QImageReader>
@@ -19,7 +22,18 @@ MMImageHeader MMImageHeader::read(const QString &path)
 
     QByteArray qtFormat;
     QSize size;
-    if (startsWithJpegMarker(path)) {
+    QByteArray head;
+    {
+        QFile file(path);
+        if (file.open(QIODevice::ReadOnly))
+            head = file.read(32);
+    }
+    const QByteArray own = sniff(head);
+    if (!own.isEmpty()) {
+        if (!h.readOwn(path, own, size))
+            return MMImageHeader();
+        qtFormat = own;
+    } else if (head.startsWith(QByteArray("\xFF\xD8", 2))) {
         // Our own parser reads JPEG headers: it checks every length and
         // stays quiet about damaged files.
         QFile file(path);
@@ -34,7 +48,7 @@ MMImageHeader MMImageHeader::read(const QString &path)
         reader.setDecideFormatFromContent(true);
         qtFormat = reader.format().toLower();
         size = reader.size();
-        if (qtFormat.isEmpty() || qtFormat == "jpeg" || !isAcceptableSize(size))
+        if (qtFormat.isEmpty() || qtFormat == "jpeg" || qtFormat == "gif" || !isAcceptableSize(size))
             return h;
         if (qtFormat == "png" && !isPngComplete(path))
             return h;
@@ -47,10 +61,57 @@ MMImageHeader MMImageHeader::read(const QString &path)
     return h;
 }
 
-bool MMImageHeader::startsWithJpegMarker(const QString &path)
+QByteArray MMImageHeader::sniff(const QByteArray &head)
+{
+    if (head.startsWith("GIF87a") || head.startsWith("GIF89a"))
+        return "gif";
+    if (head.size() >= 12 && head.startsWith("RIFF") && head.mid(8, 4) == "WEBP")
+        return "webp";
+    // An ISO media file whose major brand is one of HEIF's still-image brands.
+    static const char *const brands[] = {"heic", "heix", "heim", "heis", "hevc", "hevx", "mif1", "msf1"};
+    if (head.size() >= 12 && head.mid(4, 4) == "ftyp") {
+        const QByteArray brand = head.mid(8, 4);
+        for (const char *b : brands) {
+            if (brand == b)
+                return "heif";
+        }
+    }
+    return QByteArray();
+}
+
+// GIF, WebP and HEIF are judged by our own codecs' header readers, and each
+// against the decode budget: a GIF by the bytes of all its frames (giflib
+// keeps them all, a byte a pixel), an animation by its canvas, which every
+// frame is edited at.
+bool MMImageHeader::readOwn(const QString &path, const QByteArray &format, QSize &size)
 {
     QFile file(path);
-    return file.open(QIODevice::ReadOnly) && file.read(2) == QByteArray("\xFF\xD8", 2);
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    const QByteArray data = file.readAll();
+    if (format == "gif") {
+        MMGifCodec::Header gif;
+        if (!MMGifCodec::readHeader(data, gif) || !MMDecodeBudget::allowsAnimation(gif.canvas, gif.frames)
+            || gif.framePixels > MMDecodeBudget::MaxBytes)
+            return false;
+        size = gif.canvas;
+        m_frames = gif.frames;
+        return true;
+    }
+    if (format == "webp") {
+        MMWebpCodec::Header webp;
+        if (!MMWebpCodec::readHeader(data, webp) || !MMDecodeBudget::allowsAnimation(webp.canvas, webp.frames))
+            return false;
+        size = webp.canvas;
+        m_frames = webp.frames;
+        m_lossless = webp.lossless;
+        return true;
+    }
+    MMHeifCodec::Header heif;
+    if (!MMHeifCodec::readHeader(data, heif) || !isAcceptableSize(heif.size))
+        return false;
+    size = heif.size;
+    return true;
 }
 
 bool MMImageHeader::isPngComplete(const QString &path)

@@ -25,6 +25,10 @@ public:
     int exifOrientation() const { return m_jpeg.orientation(); }
     // What turns the stored pixels upright.
     MMOrientation orientation() const { return MMOrientation::fromExif(exifOrientation()); }
+    // More than one for an animated GIF or WebP.
+    int frames() const { return m_frames; }
+    // WebP only: whether its (first) frame is coded lossless.
+    bool isLossless() const { return m_lossless; }
     // Meaningful for JPEG files only.
     const MMJpegHeader &jpeg() const { return m_jpeg; }
 
@@ -32,12 +36,17 @@ public:
     static bool isAcceptableSize(const QSize &size);
 
 private:
-    static bool startsWithJpegMarker(const QString &path);
     static bool isPngComplete(const QString &path);
+    // The format the first bytes of a file name, for the formats we decode
+    // ourselves ("gif", "webp", "heif"); empty for others.
+    static QByteArray sniff(const QByteArray &head);
+    bool readOwn(const QString &path, const QByteArray &format, QSize &size);
 
     bool m_valid = false;
     QSize m_storedSize;
     MMImageFormat m_format = MM_FORMAT_UNKNOWN;
     QByteArray m_qtFormat;
     MMJpegHeader m_jpeg;
+    int m_frames = 1;
+    bool m_lossless = false;
 };

@@ -1,10 +1,13 @@
 #include "MMImageWriter.h"
 #include "MMAtomicFile.h"
 #include "MMFileFormat.h"
+#include "MMGifCodec.h"
+#include "MMHeifCodec.h"
 #include "MMJpegCodec.h"
 #include "MMJpegProgressiveEncoder.h"
 #include "MMJpegStripEncoder.h"
 #include "MMMetadata.h"
+#include "MMWebpCodec.h"
 #include "MMYuvPlanes.h"
 #include <QBuffer>
 #include <QImageWriter>
@@ -68,6 +71,13 @@ QByteArray MMImageWriter::encode(const QImage &image, const QString &path, const
             return MMJpegCodec::encode(image, options.jpegQuality, options.jpegSubsampling, options.jpegProgressive);
         });
     }
+
+    if (format == "gif")
+        return MMGifCodec::encode(image);
+    if (format == "webp")
+        return MMWebpCodec::encode(image, options.webpLossless, options.webpQuality);
+    if (format == "heif")
+        return MMHeifCodec::encode(image, options.heifQuality, options.heifExif);
 
     QByteArray data;
     QBuffer buffer(&data);

@@ -25,5 +25,6 @@ int MMImageSource::getImageInfo(MMImageInfo &info) const
     info.height = upright.height();
     info.format = header.format();
     info.orientation = header.exifOrientation();
+    info.frames = header.frames();
     return 0;
 }

@@ -2,6 +2,8 @@
 #include "MMAtomicFile.h"
 #include "MMCommand.h"
 #include "MMEditPlanner.h"
+#include "MMFrameEditor.h"
+#include "MMHeifCodec.h"
 #include "MMFileFormat.h"
 #include "MMImageDecoder.h"
 #include "MMImageHeader.h"
@@ -14,6 +16,7 @@
 #include "MMJpegRegionDecoder.h"
 #include "MMMetadata.h"
 #include "MMMirrorCommand.h"
+#include "MMPngCodec.h"
 #include "MMRotateCommand.h"
 #include "MMRunProgress.h"
 #include "MMYuvPlanes.h"
@@ -137,6 +140,11 @@ MMEncodeOptions encodeOptions(const MMImageHeader &header, const QByteArray &for
     MMEncodeOptions options;
     options.format = format;
     options.metadataSource = in;
+    // A WebP stays lossless or lossy as it was; other pictures turned into
+    // WebP keep every pixel unless they were JPEG photos.
+    options.webpLossless = header.format() == MM_FORMAT_WEBP ? header.isLossless() : header.format() != MM_FORMAT_JPEG;
+    if (format == "heif" && header.format() == MM_FORMAT_HEIF)
+        options.heifExif = MMHeifCodec::exif(readFile(in));
     if (header.format() == MM_FORMAT_JPEG) {
         const MMJpegHeader &jpeg = header.jpeg();
         const int quality = jpeg.estimatedQuality();
@@ -148,6 +156,23 @@ MMEncodeOptions encodeOptions(const MMImageHeader &header, const QByteArray &for
         options.keepIccProfile = jpeg.components() == 3 || jpeg.components() == 1;
     }
     return options;
+}
+
+// A PNG saved as PNG: decoded at its own depth, edited, and written a row
+// at a time in its own colour type and depth, with its colour and text
+// chunks.
+int runPng(const QString &in, const QString &out, const std::list<MMCommand *> &commands)
+{
+    MMPngCodec::Chunks chunks;
+    QImage image = MMPngCodec::decode(readFile(in), &chunks);
+    if (image.isNull())
+        return -1;
+    for (const MMCommand *command : commands) {
+        if (command->apply(image) != 0)
+            return -1;
+    }
+    const QByteArray bytes = MMPngCodec::encode(image, chunks);
+    return bytes.isEmpty() ? -1 : MMAtomicFile::write(out, bytes);
 }
 
 // Below this many pixels decoding to RGB is as quick as to planes.
@@ -276,7 +301,11 @@ int MMCommandRunner::run(const MMImageSource &source, const MMImageSource &desti
     const MMImageHeader header = MMImageHeader::read(in);
     if (!header.isValid())
         return -1;
-    const QByteArray format = MMFileFormat::forOutput(out, header.qtFormat());
+    // Written over itself a picture keeps its own format, whatever its name
+    // says; a format we cannot write fails here, before any work.
+    const QByteArray format = MMFileFormat::forOutput(out, header.qtFormat(), isSameFile(in, out));
+    if (format.isEmpty())
+        return -1;
     const bool sameFormat = format == header.qtFormat();
 
     MMOrientation edits;
@@ -288,6 +317,8 @@ int MMCommandRunner::run(const MMImageSource &source, const MMImageSource &desti
         const QByteArray bytes = readFile(in);
         return bytes.isEmpty() ? -1 : MMAtomicFile::write(out, bytes);
     }
+    if (header.frames() > 1 && sameFormat)
+        return MMFrameEditor::run(in, out, format, commands, encodeOptions(header, format, in));
     // A JPEG is read once, whether it is then turned losslessly or decoded.
     QByteArray jpegBytes;
     if (header.format() == MM_FORMAT_JPEG)
@@ -336,6 +367,8 @@ int MMCommandRunner::run(const MMImageSource &source, const MMImageSource &desti
     }
 
     jpegBytes = QByteArray();
+    if (header.format() == MM_FORMAT_PNG && format == "png")
+        return runPng(in, out, commands);
     QImage image = MMImageDecoder::decode(in);
     if (image.isNull() || !going(kDecoded))
         return -1;

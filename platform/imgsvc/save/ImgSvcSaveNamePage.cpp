@@ -99,9 +99,9 @@ bool ImgSvcSaveNamePage::isPictureName(const QString &path)
 
 QString ImgSvcSaveNamePage::defaultSuffix(const QString &original)
 {
-    // A format we only read (GIF) is written as PNG.
-    const QString suffix = QFileInfo(original).suffix();
-    return isPictureName(original) ? suffix : QStringLiteral("png");
+    // The picture's own format, judged by its content, when it can be
+    // written; else one that can.
+    return MMFileFormat::saveSuffixFor(original);
 }
 
 QString ImgSvcSaveNamePage::note() const

@@ -5,10 +5,13 @@
 #include "EngineTestTools.h"
 #include "datarows.h"
 #include "MMDecodeBudget.h"
+#include "MMGifCodec.h"
+#include "MMHeifCodec.h"
 #include "MMImageDecoder.h"
 #include "MMImageHeader.h"
 #include "MMImageScaler.h"
 #include "MMImageWriter.h"
+#include "MMWebpCodec.h"
 #include "flowrunner.h"
 #include <QDir>
 #include <QImageReader>
@@ -85,7 +88,11 @@ QString turnProblem(const QString &file, const QByteArray &original, bool edited
 {
     if (!edited)
         return bytes(file) == original ? QString() : QStringLiteral("a refused file was changed");
-    const QImage got = flows::load(file), want = picture.transformed(QTransform().rotate(90));
+    // Qt reads no WebP or HEIF: those through the engine.
+    QImage got = flows::load(file);
+    if (got.isNull())
+        got = MMImageDecoder::decode(file);
+    const QImage want = picture.transformed(QTransform().rotate(90));
     if (got.size() != want.size())
         return QStringLiteral("saved %1 x %2").arg(got.width()).arg(got.height());
     QString where;
@@ -127,6 +134,73 @@ QByteArray progressiveBeyondRange()
     const QByteArray stream(reinterpret_cast<const char *>(buffer), int(size));
     std::free(buffer);
     return stream;
+}
+
+// A small animation: frames 1 x 1 on a canvas of the given size.
+QByteArray animation(const QByteArray &format, const QSize &canvas, int frames)
+{
+    MMAnimationFrame frame;
+    frame.image = QImage(format == "gif" ? QSize(1, 1) : canvas, QImage::Format_ARGB32);
+    frame.image.fill(qRgb(200, 40, 40));
+    frame.delayMs = 50;
+    if (format == "gif") {
+        MMGifCodec::Writer writer(canvas, 0);
+        for (int i = 0; i < frames; ++i)
+            writer.addFrame(frame);
+        return writer.finish();
+    }
+    MMWebpCodec::Writer writer(canvas, 0, true, 90);
+    for (int i = 0; i < frames; ++i) {
+        frame.image.setPixel(i % canvas.width(), 0, qRgb(i, 0, 0));
+        writer.addFrame(frame);
+    }
+    return writer.finish();
+}
+
+// Our own formats' bombs: a small file whose header claims a size (or an
+// amount of frames) beyond the budget.
+QByteArray ownBomb(const QString &kind)
+{
+    const QImage small = testimages::pattern(16, 16);
+    if (kind == "webp") {
+        // A lossless stream's 14-bit width and height minus one, after its
+        // signature byte.
+        QByteArray file = MMWebpCodec::encode(small, true, 90);
+        quint32 bits = qFromLittleEndian<quint32>(file.constData() + 21);
+        bits = (bits & 0xF0000000u) | quint32(16383) | (quint32(16383) << 14);
+        qToLittleEndian<quint32>(bits, file.data() + 21);
+        return file;
+    }
+    if (kind == "heif") {
+        // The coded sizes in the 'ispe' boxes (the picture's and its
+        // tile's): version and flags, then width and height.
+        QByteArray file = MMHeifCodec::encode(small, 50);
+        if (!file.contains("ispe"))
+            return QByteArray();
+        for (int at = file.indexOf("ispe"); at >= 0; at = file.indexOf("ispe", at + 1)) {
+            qToBigEndian<quint32>(20000, file.data() + at + 8);
+            qToBigEndian<quint32>(20000, file.data() + at + 12);
+        }
+        return file;
+    }
+    if (kind == "animated webp") {
+        // The extended header's canvas: 24-bit width and height minus one.
+        QByteArray file = animation("webp", QSize(4, 4), 2);
+        const int vp8x = file.indexOf("VP8X");
+        if (vp8x < 0)
+            return QByteArray();
+        for (int i = 0; i < 2; ++i) {
+            const int v = 11999;
+            file[vp8x + 12 + 3 * i] = char(v & 0xFF);
+            file[vp8x + 13 + 3 * i] = char((v >> 8) & 0xFF);
+            file[vp8x + 14 + 3 * i] = char(v >> 16);
+        }
+        return file;
+    }
+    // A canvas within the budget, but so many frames that editing each on
+    // it would be a hundred million pixels' work.
+    const QSize canvas(1000, 1000);
+    return animation("gif", canvas, int(MMDecodeBudget::MaxAnimationPixels / (1000 * 1000)) + 1);
 }
 
 } // namespace
@@ -177,6 +251,44 @@ private slots:
         QVERIFY(MMImageDecoder::decodeFitting(file, QSize(240, 320)).isNull());
         QCOMPARE(MMImageScaler::scaleFile(file, path("preview." + format), QSize(240, 160)), -1);
         QVERIFY(!QFile::exists(path("preview." + format)));
+        QCOMPARE(runCommands(file, file, "r90"), -1);
+        QCOMPARE(bytes(file), bomb);
+    }
+
+    void ownFormatBombIsRefused_data()
+    {
+        columns<QString, QString>({"kind", "name"});
+        QTest::newRow("webp, 268 MP") << "webp" << "bomb.webp";
+        QTest::newRow("heif, 400 MP") << "heif" << "bomb.heic";
+        QTest::newRow("animated webp, 144 MP canvas") << "animated webp" << "bomb-anim.webp";
+        QTest::newRow("gif, 101 frames of 1 MP") << "gif frames" << "bomb-anim.gif";
+    }
+
+    // Refused by their headers as the others, before a frame is decoded.
+    void ownFormatBombIsRefused()
+    {
+        auto [kind, name] = fetch<QString, QString>({"kind", "name"});
+        const QByteArray bomb = ownBomb(kind);
+        QVERIFY(!bomb.isEmpty());
+        // What the header claims is read as claimed: the budget refuses it.
+        if (kind == "webp" || kind == "animated webp") {
+            MMWebpCodec::Header header;
+            QVERIFY(MMWebpCodec::readHeader(bomb, header));
+            QVERIFY(!MMDecodeBudget::allowsAnimation(header.canvas, header.frames));
+        } else if (kind == "heif") {
+            MMHeifCodec::Header header;
+            QVERIFY(!MMHeifCodec::readHeader(bomb, header));
+        } else {
+            MMGifCodec::Header header;
+            QVERIFY(MMGifCodec::readHeader(bomb, header));
+            QVERIFY(MMDecodeBudget::allowsSize(header.canvas));
+            QVERIFY(!MMDecodeBudget::allowsAnimation(header.canvas, header.frames));
+        }
+        const QString file = path(name);
+        QVERIFY(writeBytes(file, bomb));
+        MMImageInfo info;
+        QCOMPARE(source(file).getImageInfo(info), -1);
+        QVERIFY(MMImageDecoder::decodeFitting(file, QSize(240, 320)).isNull());
         QCOMPARE(runCommands(file, file, "r90"), -1);
         QCOMPARE(bytes(file), bomb);
     }
@@ -254,6 +366,15 @@ private slots:
         QTest::newRow("progressive jpeg cut") << "cut.jpg" << progressive.left(progressive.size() / 2) << false;
         QTest::newRow("cut png named .jpg") << "cutpng.jpg" << png.left(png.size() - 30) << false;
         QTest::newRow("png signature, then text") << "sig.png" << png.left(8) + QByteArray(200, 'x') << false;
+        const QByteArray webp = MMWebpCodec::encode(picture, true, 90);
+        const QByteArray heif = MMHeifCodec::encode(picture, 90);
+        const QByteArray gif = animation("gif", QSize(64, 48), 3);
+        QTest::newRow("lossless webp named .png") << "webp.png" << webp << true;
+        QTest::newRow("heif named .jpg") << "heif.jpg" << heif << true;
+        QTest::newRow("webp cut") << "cut.webp" << webp.left(webp.size() / 2) << false;
+        QTest::newRow("heif cut") << "cut.heic" << heif.left(heif.size() / 2) << false;
+        QTest::newRow("animated gif cut") << "cut.gif" << gif.left(gif.size() - 12) << false;
+        QTest::newRow("gif header only") << "head.gif" << gif.left(13) << false;
     }
 
     void damagedOrMisnamedFile()

@@ -22,10 +22,16 @@
 #include <memory>
 
 namespace {
-enum Kind { StorageFull, BeingEdited, Question, Wait, NoticeOverWait, OptionsMenu };
+enum Kind { StorageFull, BeingEdited, Question, Wait, NoticeOverWait, OptionsMenu, FormatNotice, FormatNoticeDe };
 
 const char *const kStorageFull = "Because the currently selected memory is full, you must select another memory "
                                  "location or delete files to make room.";
+// A picture whose format can not be written back, in English and in the
+// longer German.
+const char *const kFormatNotice = "Pictures in this format can not be saved over. Save as keeps the edits in a "
+                                  "new .jpg picture.";
+const char *const kFormatNoticeDe = "Bilder in diesem Format können nicht überschrieben werden. „Speichern unter“ "
+                                    "behält die Änderungen in einem neuen .jpg-Bild.";
 
 // The editor's menu, long labels included.
 struct EditorMenu final : ZOptMenuParser {
@@ -59,7 +65,9 @@ private slots:
         const QList<QPair<const char *, int>> kinds = {{"storage full", StorageFull}, {"being edited", BeingEdited},
                                                        {"question", Question},        {"wait", Wait},
                                                        {"notice over wait", NoticeOverWait},
-                                                       {"options menu", OptionsMenu}};
+                                                       {"options menu", OptionsMenu},
+                                                       {"format notice", FormatNotice},
+                                                       {"format notice de", FormatNoticeDe}};
         for (const QSize &s : {QSize(240, 320), QSize(320, 240), QSize(480, 640)})
             for (const auto &k : kinds)
                 QTest::addRow("%dx%d %s", s.width(), s.height(), k.first) << s << k.second;
@@ -82,6 +90,15 @@ private slots:
         std::unique_ptr<ZOptionsMenu> menu;
         QWidget *shown = nullptr;
         switch (kind) {
+        case FormatNotice:
+        case FormatNoticeDe:
+            popup = std::make_unique<ZNoticeDlg>(1, 0, QString(),
+                                                 QString::fromUtf8(kind == FormatNotice ? kFormatNotice : kFormatNoticeDe),
+                                                 nullptr, nullptr, true, 0);
+            popup->setTitleIcon("error_pop");
+            popup->open();
+            shown = popup.get();
+            break;
         case StorageFull:
         case NoticeOverWait:
             if (kind == NoticeOverWait) {
