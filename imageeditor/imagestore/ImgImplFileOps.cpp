@@ -73,24 +73,32 @@ bool ImgImplFileOps::writeAllAt(int fd, const char *data, qint64 size, qint64 of
     });
 }
 
+bool ImgImplFileOps::readAllAt(int fd, char *data, qint64 size, qint64 offset)
+{
+    while (size > 0) {
+        const ssize_t n = ::pread(fd, data, size_t(size), off_t(offset));
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n <= 0) {
+            if (n == 0)
+                errno = EIO; // the file shrank under us
+            return false;
+        }
+        data += n;
+        size -= n;
+        offset += n;
+    }
+    return true;
+}
+
 bool ImgImplFileOps::copyBytes(int from, qint64 fromOffset, int to, qint64 toOffset, qint64 size, bool counted)
 {
     std::vector<char> buffer(size_t(qMin<qint64>(g_chunk, qMax<qint64>(size, 1))));
     qint64 done = 0;
     while (done < size) {
         const qint64 want = qMin<qint64>(qint64(buffer.size()), size - done);
-        qint64 got = 0;
-        while (got < want) {
-            const ssize_t n = ::pread(from, buffer.data() + got, size_t(want - got), off_t(fromOffset + done + got));
-            if (n < 0 && errno == EINTR)
-                continue;
-            if (n <= 0) {
-                if (n == 0)
-                    errno = EIO; // the source shrank under us
-                return false;
-            }
-            got += n;
-        }
+        if (!readAllAt(from, buffer.data(), want, fromOffset + done))
+            return false;
         if (!writeAllAt(to, buffer.data(), want, toOffset + done, counted))
             return false;
         done += want;
@@ -164,8 +172,14 @@ int ImgImplFileOps::createExclusive(int dirFd, const QByteArray &stem, mode_t mo
         }
         const int fd = ::openat(dirFd, name.constData(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode);
         if (fd >= 0) {
-            ::flock(fd, LOCK_EX | LOCK_NB);
-            return fd;
+            // Unlocked, a sweeper would take it for a dead writer's file.
+            if (::flock(fd, LOCK_EX | LOCK_NB) == 0)
+                return fd;
+            const int error = errno;
+            ::unlinkat(dirFd, name.constData(), 0);
+            ::close(fd);
+            errno = error;
+            break;
         }
         if (errno != EEXIST)
             break;

@@ -13,6 +13,8 @@ class ImgImplFileOps
 public:
     // Writes all of data at offset (counted when asked, one step).
     static bool writeAllAt(int fd, const char *data, qint64 size, qint64 offset, bool counted);
+    // Reads exactly size bytes at offset; false (EIO) when the file is shorter.
+    static bool readAllAt(int fd, char *data, qint64 size, qint64 offset);
     // Copies size bytes of from, starting at fromOffset, to to at toOffset,
     // one counted step per chunk when asked. False on a read error or a
     // source shorter than expected.

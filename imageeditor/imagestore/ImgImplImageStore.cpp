@@ -85,12 +85,10 @@ ImgImplImageStore::ImgImplImageStore(const QString &file)
 {
     if (!prepareWorkingDir())
         return;
-    // Before anything reads the file: put back what a crashed save left
-    // half-written, and clear out what dead editors left behind.
+    // Before anything reads the file: the launch has replayed the journal
+    // already, but a store made on its own must not read a torn file either.
     const QByteArray dir = QFile::encodeName(g_workingDir);
-    ImgImplBackupJournal::recoverIn(dir);
-    ImgImplBackupJournal::recoverBeside(QFile::encodeName(originalFile));
-    ImgImplLiveMarker::sweep(dir);
+    recover(originalFile);
     marker = new ImgImplLiveMarker(dir);
     if (!marker->isValid())
         return;
@@ -105,6 +103,25 @@ ImgImplImageStore::~ImgImplImageStore()
     releaseWorkingFiles();
     delete marker;
     marker = nullptr;
+}
+
+ImgImplBackupJournal::Report ImgImplImageStore::recover(const QString &file)
+{
+    if (!prepareWorkingDir())
+        return {};
+    const QByteArray dir = QFile::encodeName(g_workingDir);
+    // The opened file first: reached under another name than the journal
+    // recorded, its backup is still found by its inode.
+    ImgImplBackupJournal::Report report = ImgImplBackupJournal::recoverFile(dir, QFile::encodeName(file));
+    const ImgImplBackupJournal::Report all = ImgImplBackupJournal::recoverAll(dir);
+    report.restored += all.restored;
+    for (const QByteArray &line : all.leftAlone)
+        report.note(line);
+    // A backup we will not write from is someone's to look at; say where.
+    for (const QByteArray &line : report.leftAlone)
+        fprintf(stderr, "voimageeditor: backup left alone: %s\n", line.constData());
+    ImgImplLiveMarker::sweep(dir);
+    return report;
 }
 
 // The directory is shared by every editor and never removed. It must be a

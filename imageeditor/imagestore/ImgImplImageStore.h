@@ -1,4 +1,6 @@
 #pragma once
+#include "ImgImplBackupJournal.h"
+
 #include <QPoint>
 #include <QRect>
 #include <QString>
@@ -50,6 +52,11 @@ public:
     float getPreviewScale() const { return previewScale; }
     // True when the working directory could not be used, so nothing was copied.
     bool isEmpty() const { return realSource == nullptr; }
+
+    // The launch's first step: puts back every photo a killed in-place save
+    // left torn (see ImgImplBackupJournal), file's inode under any name
+    // included, and reports on standard error the backups it left alone.
+    static ImgImplBackupJournal::Report recover(const QString &file);
 
     static QString workingDir();
     // Tests point the store at a directory of their own.

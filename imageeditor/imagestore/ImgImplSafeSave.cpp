@@ -16,7 +16,9 @@
 namespace {
 constexpr qint64 ReservedBlocks = 5;
 
-enum Outcome { Done, Failed, CannotRename };
+// Unsynced: renamed into place, but the folder would not flush, so a power
+// cut could still bring the old file back.
+enum Outcome { Done, Unsynced, Failed, CannotRename };
 
 bool fitsIn(int dirFd, qint64 bytes)
 {
@@ -74,16 +76,15 @@ Outcome writeBeside(Job &job, mode_t mode, Dress dress, Publish publish, int &ke
             : ImgImplFileOps::sync(fd) && publish(temp) ? Done : Failed;
     }
     if (outcome != Done) {
+        const int error = errno;
         ::unlinkat(job.dirFd, temp.constData(), 0);
         ::close(fd);
+        errno = error;
         return outcome;
     }
-    // After the rename: flushing the folder makes it durable. If that fails
-    // the file already reads as the new one, and a power cut can at worst
-    // bring back the old one, so the save stands.
-    ImgImplFileOps::sync(job.dirFd);
+    // After the rename only flushing the folder makes it durable.
     kept = fd;
-    return Done;
+    return ImgImplFileOps::sync(job.dirFd) ? Done : Unsynced;
 }
 
 int replaceExisting(Job &job, int *lockFd)
@@ -123,7 +124,8 @@ int replaceExisting(Job &job, int *lockFd)
         outcome = writeBeside(job, 0600, dress, publish, newFd);
     }
     int result = -1;
-    if (outcome == Done) {
+    if (outcome == Done || outcome == Unsynced) {
+        const int error = errno;
         struct stat locked;
         if (lockFd && *lockFd >= 0 && fstat(*lockFd, &locked) == 0 && locked.st_dev == old.st_dev
             && locked.st_ino == old.st_ino) {
@@ -133,7 +135,8 @@ int replaceExisting(Job &job, int *lockFd)
         } else {
             ::close(newFd);
         }
-        result = 0;
+        errno = error;
+        result = outcome == Done ? 0 : -1;
     } else if (outcome == CannotRename) {
         const qint64 needed = qMax<qint64>(job.size, old.st_size);
         if (fitsIn(job.dirFd, needed))
@@ -154,10 +157,13 @@ int createNew(Job &job)
         return ImgImplFileOps::renameNoReplace(job.dirFd, temp, job.name);
     };
     int fd = -1;
-    if (writeBeside(job, 0600, dress, publish, fd) != Done)
-        return -1;
-    ::close(fd);
-    return 0;
+    const Outcome outcome = writeBeside(job, 0600, dress, publish, fd);
+    if (fd >= 0) {
+        const int error = errno;
+        ::close(fd);
+        errno = error;
+    }
+    return outcome == Done ? 0 : -1;
 }
 } // namespace
 
