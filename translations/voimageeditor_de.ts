@@ -53,6 +53,31 @@
         <comment>Opening...</comment>
         <translation>Wird geöffnet...</translation>
     </message>
+    <message>
+        <source>TXT_RID_SAVE_REASON_PERMISSION</source>
+        <comment>You may not change this file or its folder.</comment>
+        <translation>Sie dürfen diese Datei oder ihren Ordner nicht ändern.</translation>
+    </message>
+    <message>
+        <source>TXT_RID_SAVE_REASON_UNREADABLE</source>
+        <comment>The picture could not be read; it may be damaged.</comment>
+        <translation>Das Bild konnte nicht gelesen werden; es ist vielleicht beschädigt.</translation>
+    </message>
+    <message>
+        <source>TXT_RID_SAVE_REASON_NAME_TAKEN</source>
+        <comment>Another file took that name meanwhile.</comment>
+        <translation>Eine andere Datei hat diesen Namen inzwischen belegt.</translation>
+    </message>
+    <message>
+        <source>TXT_RID_SAVE_REASON_IO_ERROR</source>
+        <comment>The memory could not be read or written.</comment>
+        <translation>Der Speicher konnte nicht gelesen oder beschrieben werden.</translation>
+    </message>
+    <message>
+        <source>TXT_RID_NOTICE_NOT_SAVED</source>
+        <comment>The picture could not be saved. %1</comment>
+        <translation>Das Bild konnte nicht gespeichert werden. %1</translation>
+    </message>
 </context>
 <context>
     <name>ImgSvcCropMgr</name>

@@ -1,4 +1,5 @@
 #pragma once
+#include "ImgImplSaveResult.h"
 #include "ImgEditorTypes.h"
 #include "voimageeditor_export.h"
 #include "ZKbMainWidget.h"
@@ -115,11 +116,15 @@ private:
     void setRightKeyText(const QString &text);
     QRect realCropRect() const;
 
-    // Save flow (operations/).
+    // Save flow (save/).
     void startSave(ImgSvcCtlEvent *event);
     void saveToOriginal();
     void saveAsNewFile();
+    // The notice a failed save shows: storage full for no room only,
+    // otherwise "could not be saved" with the reason.
+    void showSaveFailure(ImgImplSaveResult result);
     void showMemoryFullNotice();
+    void showErrorNotice(const QString &text);
 
     ImgImplServiceMgr *serviceMgr;
     ImgImplStatMachine *statMachine;

@@ -4,6 +4,7 @@
 #include "ImgImplFileOps.h"
 #include "ImgImplLiveMarker.h"
 #include "ImgSvcResizeCtl.h"
+#include "MMAtomicFile.h"
 #include "MMImageSource.h"
 #include "VOUtility.h"
 #include "ZGlobal.h"
@@ -92,6 +93,21 @@ ImgImplImageStore::ImgImplImageStore(const QString &file)
     marker = new ImgImplLiveMarker(dir);
     if (!marker->isValid())
         return;
+    // The engine's temporaries and the overlay pictures are ours too:
+    // listed, a crash leaves none. The newest store lists them.
+    MMAtomicFile::Hooks hooks = MMAtomicFile::hooks();
+    hooks.created = [](const QByteArray &path, void *store) {
+        static_cast<ImgImplImageStore *>(store)->marker->record(path);
+    };
+    hooks.createdContext = this;
+    // Its writes are steps of ours: checked alike, and reachable by tests.
+    hooks.writeAndSync = [](int fd, const QByteArray &data) {
+        return ImgImplFileOps::writeAllAt(fd, data.constData(), data.size(), 0, true) && ImgImplFileOps::sync(fd);
+    };
+    MMAtomicFile::setHooks(hooks);
+    VOUtility::setTempFileHook([](const std::string &path, void *store) {
+        static_cast<ImgImplImageStore *>(store)->marker->record(QByteArray::fromStdString(path));
+    }, this);
     // A failed copy shows itself when the engine reads it.
     QString name;
     makeRealCopy(originalFile, name);
@@ -100,6 +116,10 @@ ImgImplImageStore::ImgImplImageStore(const QString &file)
 
 ImgImplImageStore::~ImgImplImageStore()
 {
+    if (MMAtomicFile::hooks().createdContext == this)
+        MMAtomicFile::setHooks({});
+    if (VOUtility::tempFileHookContext() == this)
+        VOUtility::setTempFileHook(nullptr, nullptr);
     releaseWorkingFiles();
     delete marker;
     marker = nullptr;
@@ -263,10 +283,17 @@ MMImageSource *ImgImplImageStore::getTmpSource(int realSize)
     return tmpSource;
 }
 
-void ImgImplImageStore::recordTemporary(const QString &path)
+QString ImgImplImageStore::reserveWorkingFile(const QString &stem, const QString &suffix)
 {
-    if (marker)
-        marker->record(QFile::encodeName(path));
+    return reserveName(g_workingDir + stem + timeStamp(), suffix);
+}
+
+void ImgImplImageStore::adoptSavedCopy(const QString &file)
+{
+    if (realFile.isEmpty() || ::rename(QFile::encodeName(file).constData(), QFile::encodeName(realFile).constData()) != 0)
+        QFile::remove(file);
+    // The preview and tmp copy still show the picture before the edits;
+    // the reload that follows a save makes them anew.
 }
 
 void ImgImplImageStore::deleteTmpSource()

@@ -39,6 +39,9 @@ public:
     // when no original file name is given.
     void setEditedFile(const QString &file);
     QString getSaveAsFilename() const { return m_saveAsName; }
+    // Whether the person agreed to replace the file at that name; without
+    // it a file found there must not be written over.
+    bool replaceConfirmed() const { return m_replaceConfirmed; }
     // Removes the wait dialog shown by "Save".
     void deleteWaitDlg();
     ZPopup *waitDialog() const;
@@ -84,6 +87,7 @@ private:
     QString m_editedFile;
     QSize m_newSize;
     QString m_saveAsName;
+    bool m_replaceConfirmed = false;
     bool m_autoDeleteWait = true;
     QPointer<ZPopup> m_wait;
     QPointer<ZPopup> m_question;

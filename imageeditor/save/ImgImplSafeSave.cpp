@@ -28,7 +28,10 @@ bool fitsIn(int dirFd, qint64 bytes)
     // 64-bit throughout: block counts times block size overflow 32 bits on
     // large media.
     const qint64 blockSize = qint64(fs.f_bsize);
-    return bytes < blockSize * qint64(fs.f_bavail) - ReservedBlocks * blockSize;
+    if (bytes < blockSize * qint64(fs.f_bavail) - ReservedBlocks * blockSize)
+        return true;
+    errno = ENOSPC;
+    return false;
 }
 
 // An error that says "not this way", as opposed to a failing medium.
@@ -95,6 +98,7 @@ int replaceExisting(Job &job, int *lockFd)
     struct stat old;
     if (fstat(oldFd, &old) != 0 || !S_ISREG(old.st_mode)) {
         ::close(oldFd);
+        errno = EISDIR;
         return -1;
     }
     // Renaming would split a hard-linked file from its other names, and
@@ -142,7 +146,9 @@ int replaceExisting(Job &job, int *lockFd)
         if (fitsIn(job.dirFd, needed))
             result = ImgImplBackupJournal::writeInPlace(job.sourceFd, job.size, job.dirFd, job.dir, job.name, old);
     }
+    const int error = errno;
     ::close(oldFd);
+    errno = error;
     return result;
 }
 
@@ -177,16 +183,28 @@ bool ImgImplSafeSave::fits(qint64 bytes, const QByteArray &dir)
     return ok;
 }
 
-int ImgImplSafeSave::write(const QString &source, const QString &target, int *lockFd)
+int ImgImplSafeSave::write(const QString &source, const QString &target, int *lockFd, Replace replace)
 {
     Job job;
     job.sourceFd = ::open(QFile::encodeName(source).constData(), O_RDONLY | O_CLOEXEC);
     struct stat src;
-    if (job.sourceFd < 0 || fstat(job.sourceFd, &src) != 0 || !S_ISREG(src.st_mode))
+    if (job.sourceFd < 0 || fstat(job.sourceFd, &src) != 0)
         return -1;
+    if (!S_ISREG(src.st_mode)) {
+        errno = EISDIR;
+        return -1;
+    }
     job.size = src.st_size;
 
     const QByteArray given = QFile::encodeName(target);
+    if (replace == Replace::Never) {
+        // What is at the name now does not matter: only a new file is made.
+        ImgImplFileOps::splitPath(given, job.dir, job.name);
+        job.dirFd = ImgImplFileOps::openDir(job.dir);
+        if (job.dirFd < 0 || job.name.isEmpty())
+            return -1;
+        return createNew(job);
+    }
     struct stat st;
     const bool exists = ::lstat(given.constData(), &st) == 0;
     if (!exists && errno != ENOENT)
