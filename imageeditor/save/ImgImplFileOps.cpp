@@ -1,7 +1,5 @@
 #include "ImgImplFileOps.h"
 
-#include "ImgImplIoStep.h"
-
 #include <QRandomGenerator>
 
 #include <cerrno>
@@ -18,16 +16,17 @@ namespace {
 qint64 g_chunk = 1 << 20;
 ImgImplFileOps::CreateHook g_createHook = nullptr;
 bool g_sync = true;
+ImgImplFileOps::StepHooks *g_steps = nullptr;
 
-// Runs one counted step: begin may fail it on purpose, end may stop the
-// process right after it.
+// Runs one counted step: a test's hooks may fail it on purpose, or stop
+// the process right after it.
 template <typename Op> bool step(bool counted, Op op)
 {
-    if (counted && !ImgImplIoStep::begin())
+    if (counted && g_steps && !g_steps->begin())
         return false;
     const bool ok = op();
-    if (counted && ok)
-        ImgImplIoStep::end();
+    if (counted && ok && g_steps)
+        g_steps->end();
     return ok;
 }
 
@@ -41,6 +40,7 @@ QByteArray randomSuffix()
 }
 } // namespace
 
+void ImgImplFileOps::setStepHooks(StepHooks *hooks) { g_steps = hooks; }
 void ImgImplFileOps::setChunkSize(qint64 bytes) { g_chunk = bytes > 0 ? bytes : (1 << 20); }
 qint64 ImgImplFileOps::chunkSize() { return g_chunk; }
 void ImgImplFileOps::setCreateHookForTest(CreateHook hook) { g_createHook = hook; }

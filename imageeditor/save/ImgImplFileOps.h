@@ -5,8 +5,8 @@
 #include <sys/stat.h>
 
 // The low-level file steps the saves are built from. Steps marked "counted"
-// go through ImgImplIoStep, so crash and fault tests can stop or fail each
-// one. Every call handles EINTR and short writes; none follows a symlink at
+// are shown to the step hooks when a test has set them, so crash and fault
+// tests can stop or fail each one. Every call handles EINTR and short writes; none follows a symlink at
 // a name it creates.
 class ImgImplFileOps
 {
@@ -45,6 +45,16 @@ public:
     static int openDir(const QByteArray &path);
     // Splits /a/b/c into /a/b and c.
     static void splitPath(const QByteArray &path, QByteArray &dir, QByteArray &name);
+
+    // What tests hook into: begin runs before each counted step (false
+    // fails it, errno set), end after a step that happened. Null (the
+    // default, and all the library ever has) watches nothing.
+    struct StepHooks {
+        virtual ~StepHooks() = default;
+        virtual bool begin() = 0;
+        virtual void end() = 0;
+    };
+    static void setStepHooks(StepHooks *hooks);
 
     // Bytes per counted write; small values let tests reach many steps with
     // small files.
