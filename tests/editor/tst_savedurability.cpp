@@ -3,7 +3,9 @@
 #include "ImgImplImageStore.h"
 #include "ImgImplIoStep.h"
 #include "ImgImplSafeSave.h"
+#include "ImgImplSaveResult.h"
 #include "MMAtomicFile.h"
+#include "VOUtility.h"
 #include "testimages.h"
 #include "datarows.h"
 
@@ -329,7 +331,8 @@ private slots:
         ::close(lockFd);
     }
 
-    // Files of live editors survive a launch; those of a dead one do not.
+    // Files of live editors survive a launch; those of a dead one do not,
+    // the engine's temporaries and overlay pictures included.
     void launchSweepsOnlyDeadEditors()
     {
         setUp("rename", 100, 100);
@@ -341,14 +344,23 @@ private slots:
         if (child == 0) {
             ImgImplImageStore dead(photo());
             dead.getTmpSource(1);
+            // An overlay picture, and an engine write stopped mid-way.
+            VOUtility::genTempFileName(QFile::encodeName(m_pics.path()).toStdString() + '/', ".png");
+            ImgImplIoStep::arm(ImgImplIoStep::StopAfter, 1);
+            MMAtomicFile::write(m_pics.filePath("engine.png"), "bytes");
             _exit(0); // no destructor: as if killed
         }
         int status = 0;
         QCOMPARE(waitpid(child, &status, 0), child);
+        QVERIFY(WIFEXITED(status) && WEXITSTATUS(status) == ImgImplIoStep::StopExitCode);
+        const QRegularExpression temporaries("^\\.?vo_");
+        const auto pics = [&] { return QDir(m_pics.path()).entryList(QDir::Files | QDir::Hidden).filter(temporaries); };
+        QCOMPARE(pics().size(), 2);
         const QStringList withDead = QDir(m_work.path()).entryList(QDir::Files);
         QCOMPARE(withDead.filter("live_").size(), 3);
         delete new ImgImplImageStore(photo());
         const QStringList after = QDir(m_work.path()).entryList(QDir::Files);
+        QCOMPARE(pics(), QStringList());
         QCOMPARE(after.filter("live_").size(), 2);
         for (const QString &f : {live1->realFilePath(), live1->tmpFilePath(), live2->realFilePath()})
             QVERIFY2(after.contains(QFileInfo(f).fileName()), qPrintable(f));
@@ -528,19 +540,66 @@ private slots:
         QCOMPARE(int(st.st_mode & 07777), replaces ? 0600 : 0640);
     }
 
-    // Save as: a name that appears while the file is written is not replaced.
-    void saveAsLeavesALateNameAlone()
+    // Save as replaces a file only when the person said yes to it; without
+    // that a file at the name, there before or appearing while the new one
+    // is written, stays untouched and the save fails as "name taken".
+    void saveAsReplacesOnlyWhenConfirmed_data()
     {
+        columns<QString, bool, bool>({"name", "confirmed", "saved"});
+        QTest::newRow("new name") << "free" << false << true;
+        QTest::newRow("existing name, replace confirmed") << "existing" << true << true;
+        QTest::newRow("existing name, not confirmed") << "existing" << false << false;
+        QTest::newRow("name taken while writing") << "late" << false << false;
+        QTest::newRow("symlink at the name, not confirmed") << "link" << false << false;
+    }
+
+    void saveAsReplacesOnlyWhenConfirmed()
+    {
+        auto [name, confirmed, saved] = fetch<QString, bool, bool>({"name", "confirmed", "saved"});
         setUp("rename", 10, 10);
         QVERIFY(writeBytes(m_work.filePath("new.jpg"), m_new));
-        // Someone creates the name between the check and the rename.
-        static QString late;
-        late = m_pics.filePath("late.jpg");
-        ImgImplFileOps::setCreateHookForTest([](const QByteArray &) { writeBytes(late, "theirs"); });
-        QCOMPARE(ImgImplImageStore::copyFile(m_work.filePath("new.jpg"), late), -1);
+        static QString target;
+        target = m_pics.filePath("chosen.jpg");
+        QTemporaryDir elsewhere;
+        const QString victim = elsewhere.filePath("victim");
+        QVERIFY(writeBytes(victim, "theirs"));
+        if (name == "existing")
+            QVERIFY(writeBytes(target, "theirs"));
+        else if (name == "link")
+            QCOMPARE(symlink(QFile::encodeName(victim).constData(), QFile::encodeName(target).constData()), 0);
+        else if (name == "late") // someone creates the name between the question and the rename
+            ImgImplFileOps::setCreateHookForTest([](const QByteArray &) { writeBytes(target, "theirs"); });
+        const auto replace = confirmed ? ImgImplSafeSave::Replace::IfExists : ImgImplSafeSave::Replace::Never;
+        const int result = ImgImplSafeSave::write(m_work.filePath("new.jpg"), target, nullptr, replace);
+        const int error = errno;
         ImgImplFileOps::setCreateHookForTest(nullptr);
-        QCOMPARE(bytes(late), QByteArray("theirs"));
+        QCOMPARE(result, saved ? 0 : -1);
+        if (!saved)
+            QCOMPARE(saveResultFromErrno(error), ImgImplSaveResult::NameTaken);
+        QCOMPARE(bytes(target), saved ? m_new : QByteArray("theirs"));
+        QCOMPARE(bytes(victim), QByteArray("theirs"));
         QVERIFY(leftovers().filter(".vo-").isEmpty());
+    }
+
+    // The notice a failure shows follows from its errno: only a full medium
+    // is "memory full".
+    void failureKindsFollowTheError_data()
+    {
+        columns<int, int>({"error", "result"});
+        QTest::newRow("ENOSPC") << ENOSPC << int(ImgImplSaveResult::NoRoom);
+        QTest::newRow("EDQUOT") << EDQUOT << int(ImgImplSaveResult::NoRoom);
+        QTest::newRow("EIO") << EIO << int(ImgImplSaveResult::IoError);
+        QTest::newRow("EACCES") << EACCES << int(ImgImplSaveResult::Permission);
+        QTest::newRow("EPERM") << EPERM << int(ImgImplSaveResult::Permission);
+        QTest::newRow("EROFS") << EROFS << int(ImgImplSaveResult::Permission);
+        QTest::newRow("EEXIST") << EEXIST << int(ImgImplSaveResult::NameTaken);
+        QTest::newRow("ESTALE") << ESTALE << int(ImgImplSaveResult::IoError);
+    }
+
+    void failureKindsFollowTheError()
+    {
+        auto [error, result] = fetch<int, int>({"error", "result"});
+        QCOMPARE(int(saveResultFromErrno(error)), result);
     }
 };
 
