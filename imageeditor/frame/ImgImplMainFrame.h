@@ -118,6 +118,7 @@ private:
 
     // Save flow (save/).
     void startSave(ImgSvcCtlEvent *event);
+    void finishSave(int action, ImgSvcCtlEvent *event);
     void saveToOriginal();
     void saveAsNewFile();
     // The notice a failed save shows: storage full for no room only,

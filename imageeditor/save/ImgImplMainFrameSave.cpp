@@ -52,6 +52,25 @@ void ImgImplMainFrame::startSave(ImgSvcCtlEvent *event)
     save->activateWindow();
 }
 
+// The save screen's answer: Save, Save as or Discard.
+void ImgImplMainFrame::finishSave(int action, ImgSvcCtlEvent *event)
+{
+    if (action == ACT_SAVE_TO_ORIGINAL) {
+        saveToOriginal();
+        // Its wait dialog stays up through the write.
+        serviceMgr->getSaveMgr()->deleteWaitDlg();
+        enableUserInput();
+        closeService(event->type());
+        return;
+    }
+    if (action == ACT_SAVE_AS)
+        saveAsNewFile();
+    else
+        dropEditsAndReload();
+    closeService(event->type());
+    enableUserInput();
+}
+
 void ImgImplMainFrame::saveToOriginal()
 {
     // The edit lock moves to the new file with the save.

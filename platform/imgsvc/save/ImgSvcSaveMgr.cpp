@@ -198,7 +198,7 @@ void ImgSvcSaveMgr::offerDiscard()
         // No name: the edits are not written anywhere.
         m_saveAsName = QString();
         m_replaceConfirmed = false;
-        report(m_ctl, 1);
+        report(m_ctl, 2);
     });
 }
 

@@ -17,9 +17,9 @@ class ZPopup;
 // "Save as" (right soft key) asks for a name and reports result 1, with
 // getSaveAsFilename() the chosen path (a relative name lies beside the
 // original, or beside the edited file when no original was named); a name
-// that exists is replaced only after the user said yes, and Back on the
-// entry returns to the choices. Select on the choices offers to drop the
-// edits: after a yes, result 1 with a null name. A name that stands for a
+// that exists is replaced only after the user said yes (replaceConfirmed()),
+// and Back on the entry returns to the choices. Select on the choices
+// offers to drop the edits: after a yes, result 2 (Discard), no name. A name that stands for a
 // folder, or whose extension is no format a picture is written in, is
 // refused on the entry page with a note.
 // The screen reports once and stays up; whoever showed it closes it. While
