@@ -60,8 +60,8 @@
     </message>
     <message>
         <source>TXT_RID_SAVE_REASON_UNREADABLE</source>
-        <comment>The picture could not be read; it may be damaged.</comment>
-        <translation>Das Bild konnte nicht gelesen werden; es ist vielleicht beschädigt.</translation>
+        <comment>It could not be read; it may be damaged.</comment>
+        <translation>Es konnte nicht gelesen werden; es ist vielleicht beschädigt.</translation>
     </message>
     <message>
         <source>TXT_RID_SAVE_REASON_NAME_TAKEN</source>

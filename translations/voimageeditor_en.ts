@@ -60,8 +60,8 @@
     </message>
     <message>
         <source>TXT_RID_SAVE_REASON_UNREADABLE</source>
-        <comment>The picture could not be read; it may be damaged.</comment>
-        <translation>The picture could not be read; it may be damaged.</translation>
+        <comment>It could not be read; it may be damaged.</comment>
+        <translation>It could not be read; it may be damaged.</translation>
     </message>
     <message>
         <source>TXT_RID_SAVE_REASON_NAME_TAKEN</source>

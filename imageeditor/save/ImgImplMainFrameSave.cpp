@@ -104,7 +104,7 @@ void ImgImplMainFrame::showSaveFailure(ImgImplSaveResult result)
         break;
     case ImgImplSaveResult::SourceUnreadable:
         reason = QApplication::translate("ImgImplMainFrame", "TXT_RID_SAVE_REASON_UNREADABLE",
-                                         "The picture could not be read; it may be damaged.");
+                                         "It could not be read; it may be damaged.");
         break;
     case ImgImplSaveResult::NameTaken:
         reason = QApplication::translate("ImgImplMainFrame", "TXT_RID_SAVE_REASON_NAME_TAKEN",
