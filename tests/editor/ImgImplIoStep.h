@@ -2,6 +2,7 @@
 #include "ImgImplFileOps.h"
 
 #include <cerrno>
+#include <csignal>
 #include <unistd.h>
 
 // The tests' watch on every durable step of a save (a chunk written, an
@@ -12,7 +13,8 @@
 class ImgImplIoStep : public ImgImplFileOps::StepHooks
 {
 public:
-    enum Mode { Off, StopAfter, FailAt };
+    // KillAfter: SIGKILL right after step N, as a user's kill would.
+    enum Mode { Off, StopAfter, KillAfter, FailAt };
     // Exit status of a process stopped here.
     static constexpr int StopExitCode = 86;
 
@@ -42,6 +44,8 @@ public:
     {
         if (mode == StopAfter && counted == step)
             _exit(StopExitCode);
+        if (mode == KillAfter && counted == step)
+            ::kill(::getpid(), SIGKILL);
     }
 
 private:

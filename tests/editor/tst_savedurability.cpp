@@ -178,8 +178,8 @@ private slots:
         }
     }
 
-    // A save in place killed after its first write to the photo: the photo
-    // is torn, its backup and journal entry are left.
+    // A save in place killed with SIGKILL after its first write to the
+    // photo: the photo is torn, its backup and journal entry are left.
     void killMidInPlaceSave()
     {
         setUp("inplace", 3 * Chunk, 3 * Chunk + 11);
@@ -187,13 +187,13 @@ private slots:
         if (child == 0) {
             // Header, 3 backup chunks, flush, commit, folder flush, the
             // entry's 4 steps, then the photo's first chunk.
-            ImgImplIoStep::arm(ImgImplIoStep::StopAfter, 12);
+            ImgImplIoStep::arm(ImgImplIoStep::KillAfter, 12);
             save();
             _exit(0);
         }
         int status = 0;
         QCOMPARE(waitpid(child, &status, 0), child);
-        QVERIFY(WIFEXITED(status) && WEXITSTATUS(status) == ImgImplIoStep::StopExitCode);
+        QVERIFY(WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL);
         QVERIFY(bytes(photo()) != m_old && bytes(photo()) != m_new);
         QCOMPARE(QDir(m_work.path()).entryList(QDir::Files).filter("journal_").size(), 1);
     }
