@@ -101,8 +101,10 @@ for mode in ${MODES:-random change inplace}; do
     if [ "$mode" != inplace ] && [ "$at_kill" = torn ]; then verdict=torn; fi
     count[$verdict]=$((count[$verdict] + 1))
     if [ "$at_kill" = torn ] && [ "$after" != torn ]; then count[healed]=$((count[healed] + 1)); fi
-    if ls -A "$dir" | grep -q '\.vo-' || ls /tmp/.vo_imgeditor 2>/dev/null | grep -q "^live_${pid}_"; then
+    left=$( (ls -A "$dir" | grep '\.vo-'; ls /tmp/.vo_imgeditor 2>/dev/null | grep "^live_${pid}_") | tr '\n' ' ')
+    if [ -n "$left" ]; then
       count[left]=$((count[left] + 1))
+      echo "$mode run $i: left after relaunch: $left" >&2
     fi
     if [ "$mode" = inplace ] && ! cmp -s "$photo" "$dir/second.jpg"; then count[torn]=$((count[torn] + 1)); fi
   done
