@@ -108,6 +108,10 @@ ImgImplImageStore::ImgImplImageStore(const QString &file)
     VOUtility::setTempFileHook([](const std::string &path, void *store) {
         static_cast<ImgImplImageStore *>(store)->marker->record(QByteArray::fromStdString(path));
     }, this);
+    // So are a save's temporaries beside its target, a new name's included.
+    ImgImplFileOps::setTemporaryHook([](const QByteArray &path, void *store) {
+        static_cast<ImgImplImageStore *>(store)->marker->record(path);
+    }, this);
     // A failed copy shows itself when the engine reads it.
     QString name;
     makeRealCopy(originalFile, name);
@@ -120,6 +124,8 @@ ImgImplImageStore::~ImgImplImageStore()
         MMAtomicFile::setHooks({});
     if (VOUtility::tempFileHookContext() == this)
         VOUtility::setTempFileHook(nullptr, nullptr);
+    if (ImgImplFileOps::temporaryHookContext() == this)
+        ImgImplFileOps::setTemporaryHook(nullptr, nullptr);
     releaseWorkingFiles();
     delete marker;
     marker = nullptr;

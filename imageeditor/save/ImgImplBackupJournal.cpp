@@ -410,6 +410,7 @@ int ImgImplBackupJournal::writeInPlace(int sourceFd, qint64 size, int dirFd, con
     }
     if (backupFd < 0)
         return finish(-1);
+    ImgImplFileOps::madeTemporary(place.dirFd, tempName);
 
     const QByteArray head = header(id, prints);
     const bool saved = ImgImplFileOps::writeAllAt(backupFd, head.constData(), head.size(), 0, true)

@@ -41,6 +41,33 @@ QByteArray randomSuffix()
 } // namespace
 
 void ImgImplFileOps::setStepHooks(StepHooks *hooks) { g_steps = hooks; }
+
+namespace {
+ImgImplFileOps::TemporaryHook g_temporary = nullptr;
+void *g_temporaryContext = nullptr;
+
+QByteArray dirPath(int dirFd)
+{
+    char dir[PATH_MAX];
+    const QByteArray link = "/proc/self/fd/" + QByteArray::number(dirFd);
+    const ssize_t n = ::readlink(link.constData(), dir, sizeof dir);
+    return n > 0 ? QByteArray(dir, int(n)) : QByteArray(".");
+}
+} // namespace
+
+void ImgImplFileOps::setTemporaryHook(TemporaryHook hook, void *context)
+{
+    g_temporary = hook;
+    g_temporaryContext = context;
+}
+
+void *ImgImplFileOps::temporaryHookContext() { return g_temporaryContext; }
+
+void ImgImplFileOps::madeTemporary(int dirFd, const QByteArray &name)
+{
+    if (g_temporary)
+        g_temporary(dirPath(dirFd) + '/' + name, g_temporaryContext);
+}
 void ImgImplFileOps::setChunkSize(qint64 bytes) { g_chunk = bytes > 0 ? bytes : (1 << 20); }
 qint64 ImgImplFileOps::chunkSize() { return g_chunk; }
 void ImgImplFileOps::setCreateHookForTest(CreateHook hook) { g_createHook = hook; }
@@ -164,12 +191,8 @@ int ImgImplFileOps::createExclusive(int dirFd, const QByteArray &stem, mode_t mo
 {
     for (int attempt = 0; attempt < 32; ++attempt) {
         name = stem + randomSuffix();
-        if (g_createHook) {
-            char dir[PATH_MAX];
-            const QByteArray link = "/proc/self/fd/" + QByteArray::number(dirFd);
-            const ssize_t n = ::readlink(link.constData(), dir, sizeof dir);
-            g_createHook((n > 0 ? QByteArray(dir, int(n)) : QByteArray(".")) + '/' + name);
-        }
+        if (g_createHook)
+            g_createHook(dirPath(dirFd) + '/' + name);
         const int fd = ::openat(dirFd, name.constData(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode);
         if (fd >= 0) {
             // Unlocked, a sweeper would take it for a dead writer's file.

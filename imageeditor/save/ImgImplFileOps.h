@@ -69,4 +69,12 @@ public:
     static void setCreateHookForTest(CreateHook hook);
     // Runs the hook, for names made elsewhere.
     static void aboutToCreate(const QByteArray &path);
+
+    // Told the full path of each temporary a save makes beside a file, so
+    // that the editor lists it with its working files and a crash leaves
+    // none behind. Process-wide; null unsets it.
+    using TemporaryHook = void (*)(const QByteArray &path, void *context);
+    static void setTemporaryHook(TemporaryHook hook, void *context);
+    static void *temporaryHookContext();
+    static void madeTemporary(int dirFd, const QByteArray &name);
 };

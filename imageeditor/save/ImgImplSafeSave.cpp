@@ -72,6 +72,7 @@ Outcome writeBeside(Job &job, mode_t mode, Dress dress, Publish publish, int &ke
     const int fd = ImgImplFileOps::createExclusive(job.dirFd, ImgImplBackupJournal::tempStem(job.name), mode, temp);
     if (fd < 0)
         return refusedByRights(errno) || errno == EROFS ? CannotRename : Failed;
+    ImgImplFileOps::madeTemporary(job.dirFd, temp);
     Outcome outcome = Failed;
     if (ImgImplFileOps::copyBytes(job.sourceFd, 0, fd, 0, job.size, true)) {
         const Outcome dressed = dress(fd);

@@ -61,7 +61,13 @@ class TestSaveDurability : public QObject
     QByteArray m_old;
     QByteArray m_new;
 
+    QString m_path;
+
     QString photo() const { return m_pics.filePath("photo.jpg"); }
+    // What the save writes: the photo, or for a save as a new file beside it
+    // (before the save: none, read as no bytes).
+    QString target() const { return m_path == "saveas" ? m_pics.filePath("copy.jpg") : photo(); }
+    QByteArray before() const { return m_path == "saveas" ? QByteArray() : m_old; }
     QString second() const { return m_pics.filePath("second link.jpg"); }
 
     // The photo, and the new bytes in the working copy of a store on it.
@@ -71,6 +77,7 @@ class TestSaveDurability : public QObject
     {
         for (const QString &f : QDir(m_pics.path()).entryList(QDir::Files | QDir::Hidden | QDir::System))
             QFile::remove(m_pics.filePath(f));
+        m_path = path;
         m_old = noise(oldSize, 1);
         m_new = noise(newSize, 2);
         QVERIFY(writeBytes(photo(), m_old));
@@ -84,6 +91,7 @@ class TestSaveDurability : public QObject
         left.removeAll("photo.jpg");
         left.removeAll("second link.jpg");
         left.removeAll("other.jpg");
+        left.removeAll("copy.jpg");
         left += QDir(m_work.path()).entryList(QDir::Files | QDir::Hidden | QDir::System);
         return left;
     }
@@ -94,6 +102,8 @@ class TestSaveDurability : public QObject
         ImgImplImageStore store(photo());
         if (!writeBytes(store.realFilePath(), m_new))
             return -2;
+        if (m_path == "saveas")
+            return ImgImplSafeSave::write(store.realFilePath(), target(), nullptr, ImgImplSafeSave::Replace::Never);
         return store.saveToOriginalFile();
     }
 
@@ -120,24 +130,27 @@ private slots:
             QTest::addRow("rename, shrinks, %s", how) << "rename" << 4 * Chunk << Chunk + 1 << error;
             QTest::addRow("in place, grows, %s", how) << "inplace" << 2 * Chunk + 5 << 3 * Chunk + 11 << error;
             QTest::addRow("in place, shrinks, %s", how) << "inplace" << 3 * Chunk + 9 << 2 * Chunk << error;
+            QTest::addRow("save as a new file, %s", how) << "saveas" << Chunk << 3 * Chunk + 1 << error;
         }
     }
 
     // Each step of the save in turn fails or is the last before the process
     // dies. A failure before the commit leaves the photo as it was and
     // nothing beside it; the last step (flushing the folder after the commit)
-    // cannot take the new photo back any more, yet it fails the save. After a stop the photo is old
-    // or new, never torn, once the next launch has put a backup back.
+    // cannot take the new photo back any more, yet it fails the save. After
+    // a stop the photo is old or new, never torn, once the next launch has
+    // put a backup back. A save as a new file is stepped the same way.
     void everyStepInterrupted()
     {
         auto [path, oldSize, newSize, error] = fetch<QString, qint64, qint64, int>({"path", "oldSize", "newSize", "error"});
         setUp(path, oldSize, newSize);
         ImgImplIoStep::disarm(); // counts the steps from here
         QCOMPARE(save(), 0);
-        QCOMPARE(bytes(photo()), m_new);
+        QCOMPARE(bytes(target()), m_new);
         QVERIFY(leftovers().isEmpty());
         const int steps = ImgImplIoStep::count();
         QVERIFY(steps > 4);
+        qInfo("%s: %d steps", qPrintable(path), steps);
         for (int n = 1; n <= steps; ++n) {
             setUp(path, oldSize, newSize);
             const QString step = QString("step %1: ").arg(n);
@@ -148,7 +161,8 @@ private slots:
                 // The last step flushes the folder after the commit: the
                 // photo reads as new, but it is not durable, so not saved.
                 QCOMPARE(result, -1);
-                QVERIFY2(bytes(photo()) == (n == steps ? m_new : m_old), qPrintable(step));
+                QVERIFY2(bytes(target()) == (n == steps ? m_new : before()), qPrintable(step));
+                QCOMPARE(bytes(photo()), path == "saveas" ? m_old : bytes(target()));
                 QVERIFY2(leftovers().isEmpty(), qPrintable(step + leftovers().join(", ")));
                 continue;
             }
@@ -163,14 +177,15 @@ private slots:
             QVERIFY2(WIFEXITED(status) && WEXITSTATUS(status) == ImgImplIoStep::StopExitCode, qPrintable(step));
             // A rename leaves the photo whole at every instant; in place it
             // may be torn until the next launch puts the backup back.
-            const QByteArray now = bytes(photo());
-            QVERIFY2(path == "inplace" || now == m_old || now == m_new, qPrintable(step + "torn"));
+            const QByteArray now = bytes(target());
+            QVERIFY2(path == "inplace" || now == before() || now == m_new, qPrintable(step + "torn"));
             delete new ImgImplImageStore(photo()); // the next launch
-            const QByteArray recovered = bytes(photo());
-            QVERIFY2(recovered == m_old || recovered == m_new, qPrintable(step));
-            // A renamed-in photo is committed; in place, only the backup's
+            const QByteArray recovered = bytes(target());
+            QVERIFY2(recovered == before() || recovered == m_new, qPrintable(step));
+            QCOMPARE(bytes(photo()), path == "saveas" ? m_old : recovered);
+            // A renamed-in file is committed; in place, only the backup's
             // removal commits.
-            if (now == m_new && path == "rename")
+            if (now == m_new && path != "inplace")
                 QCOMPARE(recovered, m_new);
             QVERIFY2(leftovers().isEmpty(), qPrintable(step + leftovers().join(", ")));
             if (path == "inplace")
