@@ -13,8 +13,8 @@
 #   change   kill the instant the photo first changes on disk (inotify)
 #   inplace  as "change", with a second hard link on the photo so that the
 #            save is written in place behind a backup; the photo may be torn
-#            at the kill, so it is judged after the next launch, which must
-#            have put the old bytes back
+#            at the kill, so it is judged after the next launch, which opens
+#            another photo and must still have put the old bytes back
 # Needs: a build in build/, ImageMagick's convert, inotifywait.
 set -uo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
@@ -35,10 +35,14 @@ dir="$work/pics"
 mkdir -p "$dir"
 photo="$dir/photo.jpg"
 
+other_pristine="$work/other.jpg"
+convert -size 64x48 xc:gray "$other_pristine"
+
 reset_photo() {
   rm -rf "$dir"
   mkdir -p "$dir"
   cp "$pristine" "$photo"
+  cp "$other_pristine" "$dir/other.jpg"
 }
 
 # One undisturbed save gives the new bytes and how long a session lasts.
@@ -59,8 +63,8 @@ judge() { # prints old, new or torn
   if [ "$h" = "$old" ]; then echo old; elif [ "$h" = "$new" ]; then echo new; else echo torn; fi
 }
 
-relaunch() { # the next launch: recovery runs before anything reads the photo
-  "$viewer" --edit --keys "wait:300 Context2" --quit-when-closed "$photo" >/dev/null 2>&1
+relaunch() { # the next launch, on $1: recovery runs before anything is read
+  "$viewer" --edit --keys "wait:300 Context2" --quit-when-closed "$1" >/dev/null 2>&1
 }
 
 failures=0
@@ -87,7 +91,9 @@ for mode in ${MODES:-random change inplace}; do
     wait "$pid" 2>/dev/null
     [ -n "$watcher" ] && { kill "$watcher" 2>/dev/null; wait "$watcher" 2>/dev/null; }
     at_kill=$(judge)
-    relaunch
+    # In place the next launch is on another photo: recovery goes by the
+    # journal, not by the name opened.
+    if [ "$mode" = inplace ]; then relaunch "$dir/other.jpg"; else relaunch "$photo"; fi
     after=$(judge)
     verdict=$after
     # A rename leaves the photo whole at every instant, so judge it at the
@@ -95,8 +101,10 @@ for mode in ${MODES:-random change inplace}; do
     if [ "$mode" != inplace ] && [ "$at_kill" = torn ]; then verdict=torn; fi
     count[$verdict]=$((count[$verdict] + 1))
     if [ "$at_kill" = torn ] && [ "$after" != torn ]; then count[healed]=$((count[healed] + 1)); fi
-    if ls -A "$dir" | grep -q '\.vo-' || ls /tmp/.vo_imgeditor 2>/dev/null | grep -q "^live_${pid}_"; then
+    left=$( (ls -A "$dir" | grep '\.vo-'; ls /tmp/.vo_imgeditor 2>/dev/null | grep "^live_${pid}_") | tr '\n' ' ')
+    if [ -n "$left" ]; then
       count[left]=$((count[left] + 1))
+      echo "$mode run $i: left after relaunch: $left" >&2
     fi
     if [ "$mode" = inplace ] && ! cmp -s "$photo" "$dir/second.jpg"; then count[torn]=$((count[torn] + 1)); fi
   done

@@ -54,9 +54,29 @@
         <translation>Wird geöffnet...</translation>
     </message>
     <message>
-        <source>TXT_RID_NOTICE_FORMAT_NOT_WRITABLE</source>
-        <comment>Pictures in this format can not be saved over. Save as keeps the edits in a new .%1 picture.</comment>
-        <translation>Bilder in diesem Format können nicht überschrieben werden. „Speichern unter“ behält die Änderungen in einem neuen .%1-Bild.</translation>
+        <source>TXT_RID_SAVE_REASON_PERMISSION</source>
+        <comment>You may not change this file or its folder.</comment>
+        <translation>Sie dürfen diese Datei oder ihren Ordner nicht ändern.</translation>
+    </message>
+    <message>
+        <source>TXT_RID_SAVE_REASON_UNREADABLE</source>
+        <comment>It could not be read; it may be damaged.</comment>
+        <translation>Es konnte nicht gelesen werden; es ist vielleicht beschädigt.</translation>
+    </message>
+    <message>
+        <source>TXT_RID_SAVE_REASON_NAME_TAKEN</source>
+        <comment>Another file took that name meanwhile.</comment>
+        <translation>Eine andere Datei hat diesen Namen inzwischen belegt.</translation>
+    </message>
+    <message>
+        <source>TXT_RID_SAVE_REASON_IO_ERROR</source>
+        <comment>The memory could not be read or written.</comment>
+        <translation>Der Speicher konnte nicht gelesen oder beschrieben werden.</translation>
+    </message>
+    <message>
+        <source>TXT_RID_NOTICE_NOT_SAVED</source>
+        <comment>The picture could not be saved. %1</comment>
+        <translation>Das Bild konnte nicht gespeichert werden. %1</translation>
     </message>
 </context>
 <context>

@@ -54,9 +54,29 @@
         <translation>Opening...</translation>
     </message>
     <message>
-        <source>TXT_RID_NOTICE_FORMAT_NOT_WRITABLE</source>
-        <comment>Pictures in this format can not be saved over. Save as keeps the edits in a new .%1 picture.</comment>
-        <translation>Pictures in this format can not be saved over. Save as keeps the edits in a new .%1 picture.</translation>
+        <source>TXT_RID_SAVE_REASON_PERMISSION</source>
+        <comment>You may not change this file or its folder.</comment>
+        <translation>You may not change this file or its folder.</translation>
+    </message>
+    <message>
+        <source>TXT_RID_SAVE_REASON_UNREADABLE</source>
+        <comment>It could not be read; it may be damaged.</comment>
+        <translation>It could not be read; it may be damaged.</translation>
+    </message>
+    <message>
+        <source>TXT_RID_SAVE_REASON_NAME_TAKEN</source>
+        <comment>Another file took that name meanwhile.</comment>
+        <translation>Another file took that name meanwhile.</translation>
+    </message>
+    <message>
+        <source>TXT_RID_SAVE_REASON_IO_ERROR</source>
+        <comment>The memory could not be read or written.</comment>
+        <translation>The memory could not be read or written.</translation>
+    </message>
+    <message>
+        <source>TXT_RID_NOTICE_NOT_SAVED</source>
+        <comment>The picture could not be saved. %1</comment>
+        <translation>The picture could not be saved. %1</translation>
     </message>
 </context>
 <context>

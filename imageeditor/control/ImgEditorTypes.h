@@ -13,11 +13,12 @@ enum ImgEditorState : int {
     STAT_END = 6,
 };
 
-// Input symbols: 0-2 are a service's result, 3-11 the menu choices.
+// Input symbols: 0-2 are a service's result (the save screen: Save, Save
+// as, Discard), 3-11 the menu choices.
 enum ImgEditorEventId {
     EVT_SVC_DONE = 0,
     EVT_SVC_BACK = 1,
-    EVT_SVC_SAVE = 2,
+    EVT_SVC_DISCARD = 2,
     EVT_ROTATE_LEFT = 3,
     EVT_ROTATE_RIGHT = 4,
     EVT_MIRROR_HOR = 5,
@@ -39,7 +40,9 @@ enum ImgEditorActionId {
     ACT_START_ADD_ELEMENT = 4,
     ACT_START_SAVE = 5,
     ACT_SAVE_TO_ORIGINAL = 6,
-    ACT_INVALID = 7,
+    ACT_SAVE_AS = 7,
+    ACT_DISCARD = 8,
+    ACT_INVALID = 9,
 };
 
 struct ImgEditorTransition

@@ -42,6 +42,8 @@ ImgImplMainFrame::ImgImplMainFrame(const QString &file, QWidget *parent, const c
       inputEnableTimer(nullptr)
 {
     originalFile = file;
+    // Before anything else: no torn photo from a killed save survives a launch.
+    ImgImplImageStore::recover(originalFile);
 
     // Copying and decoding a large photo takes seconds on a handset: the
     // wait dialog is on the screen before that starts and goes with this scope.

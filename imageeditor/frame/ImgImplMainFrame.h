@@ -1,4 +1,5 @@
 #pragma once
+#include "ImgImplSaveResult.h"
 #include "ImgEditorTypes.h"
 #include "voimageeditor_export.h"
 #include "ZKbMainWidget.h"
@@ -115,14 +116,19 @@ private:
     void setRightKeyText(const QString &text);
     QRect realCropRect() const;
 
-    // Save flow (operations/).
+    // Save flow (save/).
     void startSave(ImgSvcCtlEvent *event);
+    void finishSave(int action, ImgSvcCtlEvent *event);
     void saveToOriginal();
     void saveAsNewFile();
+    // The notice a failed save shows: storage full for no room only,
+    // otherwise "could not be saved" with the reason.
+    void showSaveFailure(ImgImplSaveResult result);
     void showMemoryFullNotice();
     // A picture whose format can not be written back: says so, and that
     // Save as keeps the edits in a format that can. True when it was shown.
     bool noticeUnwritableFormat();
+    void showErrorNotice(const QString &text);
 
     ImgImplServiceMgr *serviceMgr;
     ImgImplStatMachine *statMachine;

@@ -4,6 +4,7 @@
 #include "ImgImplFileOps.h"
 #include "ImgImplLiveMarker.h"
 #include "ImgSvcResizeCtl.h"
+#include "MMAtomicFile.h"
 #include "MMImageSource.h"
 #include "VOUtility.h"
 #include "ZGlobal.h"
@@ -85,15 +86,32 @@ ImgImplImageStore::ImgImplImageStore(const QString &file)
 {
     if (!prepareWorkingDir())
         return;
-    // Before anything reads the file: put back what a crashed save left
-    // half-written, and clear out what dead editors left behind.
+    // Before anything reads the file: the launch has replayed the journal
+    // already, but a store made on its own must not read a torn file either.
     const QByteArray dir = QFile::encodeName(g_workingDir);
-    ImgImplBackupJournal::recoverIn(dir);
-    ImgImplBackupJournal::recoverBeside(QFile::encodeName(originalFile));
-    ImgImplLiveMarker::sweep(dir);
+    recover(originalFile);
     marker = new ImgImplLiveMarker(dir);
     if (!marker->isValid())
         return;
+    // The engine's temporaries and the overlay pictures are ours too:
+    // listed, a crash leaves none. The newest store lists them.
+    MMAtomicFile::Hooks hooks = MMAtomicFile::hooks();
+    hooks.created = [](const QByteArray &path, void *store) {
+        static_cast<ImgImplImageStore *>(store)->marker->record(path);
+    };
+    hooks.createdContext = this;
+    // Its writes are steps of ours: checked alike, and reachable by tests.
+    hooks.writeAndSync = [](int fd, const QByteArray &data) {
+        return ImgImplFileOps::writeAllAt(fd, data.constData(), data.size(), 0, true) && ImgImplFileOps::sync(fd);
+    };
+    MMAtomicFile::setHooks(hooks);
+    VOUtility::setTempFileHook([](const std::string &path, void *store) {
+        static_cast<ImgImplImageStore *>(store)->marker->record(QByteArray::fromStdString(path));
+    }, this);
+    // So are a save's temporaries beside its target, a new name's included.
+    ImgImplFileOps::setTemporaryHook([](const QByteArray &path, void *store) {
+        static_cast<ImgImplImageStore *>(store)->marker->record(path);
+    }, this);
     // A failed copy shows itself when the engine reads it.
     QString name;
     makeRealCopy(originalFile, name);
@@ -102,9 +120,34 @@ ImgImplImageStore::ImgImplImageStore(const QString &file)
 
 ImgImplImageStore::~ImgImplImageStore()
 {
+    if (MMAtomicFile::hooks().createdContext == this)
+        MMAtomicFile::setHooks({});
+    if (VOUtility::tempFileHookContext() == this)
+        VOUtility::setTempFileHook(nullptr, nullptr);
+    if (ImgImplFileOps::temporaryHookContext() == this)
+        ImgImplFileOps::setTemporaryHook(nullptr, nullptr);
     releaseWorkingFiles();
     delete marker;
     marker = nullptr;
+}
+
+ImgImplBackupJournal::Report ImgImplImageStore::recover(const QString &file)
+{
+    if (!prepareWorkingDir())
+        return {};
+    const QByteArray dir = QFile::encodeName(g_workingDir);
+    // The opened file first: reached under another name than the journal
+    // recorded, its backup is still found by its inode.
+    ImgImplBackupJournal::Report report = ImgImplBackupJournal::recoverFile(dir, QFile::encodeName(file));
+    const ImgImplBackupJournal::Report all = ImgImplBackupJournal::recoverAll(dir);
+    report.restored += all.restored;
+    for (const QByteArray &line : all.leftAlone)
+        report.note(line);
+    // A backup we will not write from is someone's to look at; say where.
+    for (const QByteArray &line : report.leftAlone)
+        fprintf(stderr, "voimageeditor: backup left alone: %s\n", line.constData());
+    ImgImplLiveMarker::sweep(dir);
+    return report;
 }
 
 // The directory is shared by every editor and never removed. It must be a
@@ -246,10 +289,17 @@ MMImageSource *ImgImplImageStore::getTmpSource(int realSize)
     return tmpSource;
 }
 
-void ImgImplImageStore::recordTemporary(const QString &path)
+QString ImgImplImageStore::reserveWorkingFile(const QString &stem, const QString &suffix)
 {
-    if (marker)
-        marker->record(QFile::encodeName(path));
+    return reserveName(g_workingDir + stem + timeStamp(), suffix);
+}
+
+void ImgImplImageStore::adoptSavedCopy(const QString &file)
+{
+    if (realFile.isEmpty() || ::rename(QFile::encodeName(file).constData(), QFile::encodeName(realFile).constData()) != 0)
+        QFile::remove(file);
+    // The preview and tmp copy still show the picture before the edits;
+    // the reload that follows a save makes them anew.
 }
 
 void ImgImplImageStore::deleteTmpSource()

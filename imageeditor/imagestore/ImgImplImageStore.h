@@ -1,4 +1,6 @@
 #pragma once
+#include "ImgImplBackupJournal.h"
+
 #include <QPoint>
 #include <QRect>
 #include <QString>
@@ -40,9 +42,15 @@ public:
     static bool hasEnoughSpace(const QString &source, const QString &destination);
     static int copyFile(const QString &source, const QString &destination, int *lockFd = nullptr);
 
-    // Lists a temporary made elsewhere with this editor's working files, so
-    // that it is swept if the editor dies before removing it.
-    void recordTemporary(const QString &path);
+    // A new file of ours in the working folder, stem + time stamp + suffix
+    // (or "_2", ... before the suffix), listed with this editor's working
+    // files so that a crash leaves it to the next launch's sweep. Empty
+    // (errno set) when none could be made.
+    QString reserveWorkingFile(const QString &stem, const QString &suffix);
+    // Makes file (a working file holding the saved picture) the real-size
+    // copy, so that the copy matches the file on disk even when a reload
+    // fails.
+    void adoptSavedCopy(const QString &file);
 
     QString realFilePath() const { return realFile; }
     QString previewFilePath() const { return previewFile; }
@@ -50,6 +58,11 @@ public:
     float getPreviewScale() const { return previewScale; }
     // True when the working directory could not be used, so nothing was copied.
     bool isEmpty() const { return realSource == nullptr; }
+
+    // The launch's first step: puts back every photo a killed in-place save
+    // left torn (see ImgImplBackupJournal), file's inode under any name
+    // included, and reports on standard error the backups it left alone.
+    static ImgImplBackupJournal::Report recover(const QString &file);
 
     static QString workingDir();
     // Tests point the store at a directory of their own.

@@ -168,7 +168,10 @@ void ImgImplMainFrame::handleMenuEvent(ImgImplMenuEvent *event)
 void ImgImplMainFrame::handleCtlEvent(ImgSvcCtlEvent *event)
 {
     const int result = event->getResult();
-    if (result == EVT_SVC_DONE)
+    const int action = statMachine->getStatAction(result);
+    if (action == ACT_SAVE_TO_ORIGINAL || action == ACT_SAVE_AS || action == ACT_DISCARD)
+        finishSave(action, event);
+    else if (result == EVT_SVC_DONE)
         onServiceDone(event);
     else if (result == EVT_SVC_BACK)
         onServiceBack(event);
@@ -183,20 +186,13 @@ void ImgImplMainFrame::onServiceDone(ImgSvcCtlEvent *event)
         // sub-editor is closed.
         startSave(event);
         appendServiceCommand(event);
-    } else if (action == ACT_SAVE_TO_ORIGINAL) {
-        saveToOriginal();
-        serviceMgr->getSaveMgr()->deleteWaitDlg();
-        enableUserInput();
     }
     closeService(event->type());
 }
 
 void ImgImplMainFrame::onServiceBack(ImgSvcCtlEvent *event)
 {
-    if (int(event->type()) == CTL_EVENT_SAVE)
-        saveAsNewFile();
-    else
-        imageStore->deleteTmpSource(); // the next sub-editor starts from a fresh copy
+    imageStore->deleteTmpSource(); // the next sub-editor starts from a fresh copy
     closeService(event->type());
     enableUserInput();
 }

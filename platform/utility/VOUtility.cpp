@@ -32,6 +32,19 @@ void VOUtility::fitScreen(int &width, int &height, int screenWidth, int screenHe
     height = int(fh < 1 ? 1 : fh);
 }
 
+namespace {
+VOUtility::CreatedHook g_created = nullptr;
+void *g_createdContext = nullptr;
+} // namespace
+
+void VOUtility::setTempFileHook(CreatedHook hook, void *context)
+{
+    g_created = hook;
+    g_createdContext = context;
+}
+
+void *VOUtility::tempFileHookContext() { return g_createdContext; }
+
 std::string VOUtility::genTempFileName(const std::string &dir)
 {
     return genTempFileName(dir, std::string());
@@ -55,5 +68,7 @@ std::string VOUtility::genTempFileName(const std::string &dir, const std::string
     if (fd < 0)
         return std::string();
     ::close(fd);
+    if (g_created)
+        g_created(name.data(), g_createdContext);
     return std::string(name.data());
 }

@@ -16,4 +16,11 @@ public:
     // The same with suffix (say ".jpg") as part of the name created, so that
     // the name actually written is the one reserved.
     static std::string genTempFileName(const std::string &dir, const std::string &suffix);
+
+    // Called with each path genTempFileName has just created, so that the
+    // program using this library can list it with its own working files
+    // (and sweep it after a crash). Process-wide; null unsets it.
+    using CreatedHook = void (*)(const std::string &path, void *context);
+    static void setTempFileHook(CreatedHook hook, void *context);
+    static void *tempFileHookContext();
 };

@@ -215,36 +215,56 @@ private slots:
         QVERIFY(frame->softKeys()->isButtonEnabled(ZSoftKey::LEFT));
     }
 
-    // A save that fails anywhere (the replay of the edits on the working
-    // copy, or the first write, the flush or the rename over the file)
-    // leaves the file as it was, drops the edits, shows the file unturned
-    // and keeps the lock; a failed write also says the memory is full. A
+    // A save that fails at any step leaves the file as it was (bar a failed
+    // flush of its folder after the commit), drops the edits, shows the file
+    // unturned, keeps the lock and tells the truth: the storage-full notice
+    // only for no room, otherwise "could not be saved" with the reason. The
+    // working copy never keeps the edits of a failed save, even when the
+    // reload after it fails, so the next save cannot apply them twice. A
     // save that succeeds puts a new file in place and the lock moves with
     // it; neither is lost to the decoder opening and closing the file.
     void saveKeepsTheLock_data()
     {
-        columns<int, int>({"step", "error"}); // step 0: the replay fails; -1: nothing fails
-        QTest::newRow("saved") << -1 << 0;
-        QTest::newRow("replay of the edits") << 0 << 0;
-        QTest::newRow("first write, no space") << 1 << ENOSPC;
-        QTest::newRow("flush, I/O error") << 4 << EIO;
-        QTest::newRow("rename, I/O error") << 5 << EIO;
+        // step 0: the working copy is damaged; -1: nothing fails. Steps 1 and
+        // 2 write and flush the edits into a working file, 3 onwards write
+        // the file: data, owner, mode, flush, rename, folder flush.
+        columns<int, int, QString, bool, bool>({"step", "error", "notice", "changed", "reloadFails"});
+        const QString full = "memory is full", unreadable = "could not be read;", io = "could not be read or written",
+                      denied = "You may not change";
+        QTest::newRow("saved") << -1 << 0 << QString() << true << false;
+        QTest::newRow("working copy damaged") << 0 << 0 << unreadable << false << false;
+        QTest::newRow("applying the edits, no space") << 1 << ENOSPC << full << false << false;
+        QTest::newRow("applying the edits, I/O error") << 1 << EIO << io << false << false;
+        QTest::newRow("applying the edits, flush fails") << 2 << EIO << io << false << false;
+        QTest::newRow("first write, no space") << 3 << ENOSPC << full << false << false;
+        QTest::newRow("first write, quota") << 3 << EDQUOT << full << false << false;
+        QTest::newRow("flush, I/O error") << 6 << EIO << io << false << false;
+        QTest::newRow("flush, I/O error, reload fails") << 6 << EIO << io << false << true;
+        QTest::newRow("rename refused") << 7 << EACCES << denied << false << false;
+        QTest::newRow("rename, I/O error") << 7 << EIO << io << false << false;
+        QTest::newRow("folder flush, I/O error") << 8 << EIO << io << true << false;
     }
 
     void saveKeepsTheLock()
     {
-        auto [step, error] = fetch<int, int>({"step", "error"});
-        const QString file = photo(QString("save%1.png").arg(step));
+        auto [step, error, notice, changed, reloadFails] =
+            fetch<int, int, QString, bool, bool>({"step", "error", "notice", "changed", "reloadFails"});
+        const QString file = photo(QString("save%1_%2.png").arg(step).arg(error));
         const QByteArray before = bytes(file);
         auto *frame = ImgImplInterface::launchImageEditor(file, nullptr, nullptr);
         for (int i = 0; i < 50; ++i)
             QVERIFY(!MMImageDecoder::decode(file).isNull());
-        QString shown;
-        // The notice runs its own loop inside the save: read and close it there.
+        QStringList shown;
+        const QString away = file + ".away";
+        // The notice runs its own loop inside the save: read and close it
+        // there. The reload comes after it: a folder at the file's name
+        // makes it fail.
         QTimer poll;
         connect(&poll, &QTimer::timeout, [&] {
             if (ZNoticeDlg *n = visibleNotice()) {
-                shown = n->text();
+                shown << n->text();
+                if (reloadFails && shown.size() == 1)
+                    QVERIFY(QFile::rename(file, away) && QDir().mkdir(file));
                 n->close();
             }
         });
@@ -258,15 +278,23 @@ private slots:
         press(save, Qt::Key_Context1); // Save
         QTRY_COMPARE(frame->stateMachine()->currentStat(), STAT_MAIN);
         ImgImplIoStep::disarm();
-        QVERIFY2(step > 0 ? shown.contains("memory is full") : shown.isEmpty(), qPrintable(shown));
-        QCOMPARE(bytes(file) == before, step >= 0);
+        if (reloadFails)
+            QVERIFY(QDir().rmdir(file) && QFile::rename(away, file));
+        QCOMPARE(shown.size(), notice.isEmpty() ? 0 : 1);
+        QVERIFY2(notice.isEmpty() || shown.first().contains(notice), qPrintable(shown.join("|")));
+        QVERIFY2(notice.isEmpty() || notice == "memory is full" || shown.first().startsWith("The picture could not be saved."),
+                 qPrintable(shown.join("|")));
+        QCOMPARE(bytes(file) != before, changed);
+        // The working copy holds what the file holds, never the dropped edits.
+        if (step != 0)
+            QCOMPARE(bytes(frame->store()->realFilePath()), bytes(file));
         QCOMPARE(QDir(m_files.path()).entryList(QDir::Hidden | QDir::Files).filter(".vo-"), QStringList());
         QVERIFY(frame->pendingCommands().empty());
         QVERIFY(!otherProcessCanLock(file));
         auto *second = new ImgImplMainFrame(file, nullptr, nullptr, 1);
         QCOMPARE(second->lockDescriptor(), -1);
         delete second;
-        if (step < 0)
+        if (changed)
             return;
         QCOMPARE(frame->softKeys()->text(ZSoftKey::RIGHT), QString("Back"));
         // The 320x240 picture is shown unturned again.

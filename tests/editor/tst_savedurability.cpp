@@ -3,7 +3,9 @@
 #include "ImgImplImageStore.h"
 #include "ImgImplIoStep.h"
 #include "ImgImplSafeSave.h"
+#include "ImgImplSaveResult.h"
 #include "MMAtomicFile.h"
+#include "VOUtility.h"
 #include "testimages.h"
 #include "datarows.h"
 
@@ -59,7 +61,13 @@ class TestSaveDurability : public QObject
     QByteArray m_old;
     QByteArray m_new;
 
+    QString m_path;
+
     QString photo() const { return m_pics.filePath("photo.jpg"); }
+    // What the save writes: the photo, or for a save as a new file beside it
+    // (before the save: none, read as no bytes).
+    QString target() const { return m_path == "saveas" ? m_pics.filePath("copy.jpg") : photo(); }
+    QByteArray before() const { return m_path == "saveas" ? QByteArray() : m_old; }
     QString second() const { return m_pics.filePath("second link.jpg"); }
 
     // The photo, and the new bytes in the working copy of a store on it.
@@ -69,6 +77,7 @@ class TestSaveDurability : public QObject
     {
         for (const QString &f : QDir(m_pics.path()).entryList(QDir::Files | QDir::Hidden | QDir::System))
             QFile::remove(m_pics.filePath(f));
+        m_path = path;
         m_old = noise(oldSize, 1);
         m_new = noise(newSize, 2);
         QVERIFY(writeBytes(photo(), m_old));
@@ -81,6 +90,8 @@ class TestSaveDurability : public QObject
         QStringList left = QDir(m_pics.path()).entryList(QDir::Files | QDir::Hidden | QDir::System);
         left.removeAll("photo.jpg");
         left.removeAll("second link.jpg");
+        left.removeAll("other.jpg");
+        left.removeAll("copy.jpg");
         left += QDir(m_work.path()).entryList(QDir::Files | QDir::Hidden | QDir::System);
         return left;
     }
@@ -91,6 +102,8 @@ class TestSaveDurability : public QObject
         ImgImplImageStore store(photo());
         if (!writeBytes(store.realFilePath(), m_new))
             return -2;
+        if (m_path == "saveas")
+            return ImgImplSafeSave::write(store.realFilePath(), target(), nullptr, ImgImplSafeSave::Replace::Never);
         return store.saveToOriginalFile();
     }
 
@@ -117,24 +130,27 @@ private slots:
             QTest::addRow("rename, shrinks, %s", how) << "rename" << 4 * Chunk << Chunk + 1 << error;
             QTest::addRow("in place, grows, %s", how) << "inplace" << 2 * Chunk + 5 << 3 * Chunk + 11 << error;
             QTest::addRow("in place, shrinks, %s", how) << "inplace" << 3 * Chunk + 9 << 2 * Chunk << error;
+            QTest::addRow("save as a new file, %s", how) << "saveas" << Chunk << 3 * Chunk + 1 << error;
         }
     }
 
     // Each step of the save in turn fails or is the last before the process
     // dies. A failure before the commit leaves the photo as it was and
     // nothing beside it; the last step (flushing the folder after the commit)
-    // cannot take the new photo back any more. After a stop the photo is old
-    // or new, never torn, once the next launch has put a backup back.
+    // cannot take the new photo back any more, yet it fails the save. After
+    // a stop the photo is old or new, never torn, once the next launch has
+    // put a backup back. A save as a new file is stepped the same way.
     void everyStepInterrupted()
     {
         auto [path, oldSize, newSize, error] = fetch<QString, qint64, qint64, int>({"path", "oldSize", "newSize", "error"});
         setUp(path, oldSize, newSize);
         ImgImplIoStep::disarm(); // counts the steps from here
         QCOMPARE(save(), 0);
-        QCOMPARE(bytes(photo()), m_new);
+        QCOMPARE(bytes(target()), m_new);
         QVERIFY(leftovers().isEmpty());
         const int steps = ImgImplIoStep::count();
         QVERIFY(steps > 4);
+        qInfo("%s: %d steps", qPrintable(path), steps);
         for (int n = 1; n <= steps; ++n) {
             setUp(path, oldSize, newSize);
             const QString step = QString("step %1: ").arg(n);
@@ -142,8 +158,11 @@ private slots:
                 ImgImplIoStep::arm(ImgImplIoStep::FailAt, n, error);
                 const int result = save();
                 ImgImplIoStep::disarm();
-                QCOMPARE(result, n == steps ? 0 : -1);
-                QVERIFY2(bytes(photo()) == (n == steps ? m_new : m_old), qPrintable(step));
+                // The last step flushes the folder after the commit: the
+                // photo reads as new, but it is not durable, so not saved.
+                QCOMPARE(result, -1);
+                QVERIFY2(bytes(target()) == (n == steps ? m_new : before()), qPrintable(step));
+                QCOMPARE(bytes(photo()), path == "saveas" ? m_old : bytes(target()));
                 QVERIFY2(leftovers().isEmpty(), qPrintable(step + leftovers().join(", ")));
                 continue;
             }
@@ -158,18 +177,107 @@ private slots:
             QVERIFY2(WIFEXITED(status) && WEXITSTATUS(status) == ImgImplIoStep::StopExitCode, qPrintable(step));
             // A rename leaves the photo whole at every instant; in place it
             // may be torn until the next launch puts the backup back.
-            const QByteArray now = bytes(photo());
-            QVERIFY2(path == "inplace" || now == m_old || now == m_new, qPrintable(step + "torn"));
+            const QByteArray now = bytes(target());
+            QVERIFY2(path == "inplace" || now == before() || now == m_new, qPrintable(step + "torn"));
             delete new ImgImplImageStore(photo()); // the next launch
-            const QByteArray recovered = bytes(photo());
-            QVERIFY2(recovered == m_old || recovered == m_new, qPrintable(step));
-            // A renamed-in photo is committed; in place, only the backup's
+            const QByteArray recovered = bytes(target());
+            QVERIFY2(recovered == before() || recovered == m_new, qPrintable(step));
+            QCOMPARE(bytes(photo()), path == "saveas" ? m_old : recovered);
+            // A renamed-in file is committed; in place, only the backup's
             // removal commits.
-            if (now == m_new && path == "rename")
+            if (now == m_new && path != "inplace")
                 QCOMPARE(recovered, m_new);
             QVERIFY2(leftovers().isEmpty(), qPrintable(step + leftovers().join(", ")));
             if (path == "inplace")
                 QCOMPARE(bytes(second()), recovered);
+        }
+    }
+
+    // A save in place killed with SIGKILL after its first write to the
+    // photo: the photo is torn, its backup and journal entry are left.
+    void killMidInPlaceSave()
+    {
+        setUp("inplace", 3 * Chunk, 3 * Chunk + 11);
+        const pid_t child = fork();
+        if (child == 0) {
+            // Header, 3 backup chunks, flush, commit, folder flush, the
+            // entry's 4 steps, then the photo's first chunk.
+            ImgImplIoStep::arm(ImgImplIoStep::KillAfter, 12);
+            save();
+            _exit(0);
+        }
+        int status = 0;
+        QCOMPARE(waitpid(child, &status, 0), child);
+        QVERIFY(WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL);
+        QVERIFY(bytes(photo()) != m_old && bytes(photo()) != m_new);
+        QCOMPARE(QDir(m_work.path()).entryList(QDir::Files).filter("journal_").size(), 1);
+    }
+
+    // After such a kill a backup goes back only onto the inode it came
+    // from, in the state the save left it, from a backup of our own user;
+    // every launch tries, whatever photo it opens. Anything else is left
+    // alone and reported, and nothing is written.
+    void recoveryGoesByIdentity_data()
+    {
+        // then: what happens after the kill; launchOn: the photo the next
+        // launch opens; restored/leftAlone: the launch's report; photo: what
+        // the torn inode holds after it.
+        columns<QString, QString, int, int, QString>({"then", "launchOn", "restored", "leftAlone", "photo"});
+        QTest::newRow("launch on another photo") << "" << "other" << 1 << 0 << "old";
+        QTest::newRow("launch on the other hard link") << "" << "second" << 1 << 0 << "old";
+        QTest::newRow("launch on the photo") << "" << "photo" << 1 << 0 << "old";
+        QTest::newRow("name re-used, launch on it") << "reuse" << "photo" << 0 << 1 << "torn";
+        QTest::newRow("name re-used, launch on the other link") << "reuse" << "second" << 1 << 0 << "old";
+        QTest::newRow("photo changed since the kill") << "change" << "other" << 0 << 1 << "changed";
+        QTest::newRow("backup moved beside another photo") << "move" << "other" << 0 << 1 << "torn";
+        QTest::newRow("backup of another user") << "chown" << "photo" << 0 << 1 << "torn";
+    }
+
+    void recoveryGoesByIdentity()
+    {
+        auto [then, launchOn, restored, leftAlone, expected] =
+            fetch<QString, QString, int, int, QString>({"then", "launchOn", "restored", "leftAlone", "photo"});
+        if (then == "chown" && geteuid() != 0)
+            QSKIP("needs root to give the backup to another user");
+        killMidInPlaceSave();
+        if (QTest::currentTestFailed())
+            return;
+        const QString other = m_pics.filePath("other.jpg");
+        const QByteArray theirs = noise(2 * Chunk, 9);
+        QVERIFY(writeBytes(other, theirs));
+        const QByteArray torn = bytes(photo());
+        QByteArray changed = torn;
+        const QString backup = m_pics.filePath(".photo.jpg.vo-backup");
+        if (then == "reuse") {
+            // Another picture takes the name; the torn photo keeps its other one.
+            QVERIFY(writeBytes(m_pics.filePath("new name.jpg"), theirs));
+            QCOMPARE(::rename(QFile::encodeName(m_pics.filePath("new name.jpg")).constData(),
+                              QFile::encodeName(photo()).constData()), 0);
+        } else if (then == "change") {
+            changed[5] = char(~changed[5]);
+            QVERIFY(writeBytes(second(), changed)); // the same inode, rewritten
+        } else if (then == "move") {
+            for (const QString &f : QDir(m_work.path()).entryList({"journal_*"}, QDir::Files))
+                QVERIFY(QFile::remove(m_work.filePath(f)));
+            QVERIFY(QFile::rename(backup, m_pics.filePath(".other.jpg.vo-backup")));
+        } else if (then == "chown") {
+            QCOMPARE(chown(QFile::encodeName(backup).constData(), 4321, 4321), 0);
+        }
+        const QString opened = launchOn == "other" ? other : launchOn == "second" ? second() : photo();
+        const ImgImplBackupJournal::Report report = ImgImplImageStore::recover(opened);
+        QCOMPARE(report.restored, restored);
+        QCOMPARE(report.leftAlone.size(), leftAlone);
+        const QByteArray now = bytes(second());
+        QCOMPARE(now, expected == "old" ? m_old : expected == "changed" ? changed : torn);
+        QCOMPARE(bytes(other), theirs);
+        if (then == "reuse")
+            QCOMPARE(bytes(photo()), theirs);
+        if (expected == "old") {
+            QVERIFY2(leftovers().isEmpty(), qPrintable(leftovers().join(", ")));
+        } else {
+            // A second launch reports again and still writes nothing.
+            QCOMPARE(ImgImplImageStore::recover(opened).leftAlone.size(), leftAlone);
+            QCOMPARE(bytes(second()), now);
         }
     }
 
@@ -238,7 +346,8 @@ private slots:
         ::close(lockFd);
     }
 
-    // Files of live editors survive a launch; those of a dead one do not.
+    // Files of live editors survive a launch; those of a dead one do not,
+    // the engine's temporaries and overlay pictures included.
     void launchSweepsOnlyDeadEditors()
     {
         setUp("rename", 100, 100);
@@ -250,14 +359,23 @@ private slots:
         if (child == 0) {
             ImgImplImageStore dead(photo());
             dead.getTmpSource(1);
+            // An overlay picture, and an engine write stopped mid-way.
+            VOUtility::genTempFileName(QFile::encodeName(m_pics.path()).toStdString() + '/', ".png");
+            ImgImplIoStep::arm(ImgImplIoStep::StopAfter, 1);
+            MMAtomicFile::write(m_pics.filePath("engine.png"), "bytes");
             _exit(0); // no destructor: as if killed
         }
         int status = 0;
         QCOMPARE(waitpid(child, &status, 0), child);
+        QVERIFY(WIFEXITED(status) && WEXITSTATUS(status) == ImgImplIoStep::StopExitCode);
+        const QRegularExpression temporaries("^\\.?vo_");
+        const auto pics = [&] { return QDir(m_pics.path()).entryList(QDir::Files | QDir::Hidden).filter(temporaries); };
+        QCOMPARE(pics().size(), 2);
         const QStringList withDead = QDir(m_work.path()).entryList(QDir::Files);
         QCOMPARE(withDead.filter("live_").size(), 3);
         delete new ImgImplImageStore(photo());
         const QStringList after = QDir(m_work.path()).entryList(QDir::Files);
+        QCOMPARE(pics(), QStringList());
         QCOMPARE(after.filter("live_").size(), 2);
         for (const QString &f : {live1->realFilePath(), live1->tmpFilePath(), live2->realFilePath()})
             QVERIFY2(after.contains(QFileInfo(f).fileName()), qPrintable(f));
@@ -341,8 +459,9 @@ private slots:
         columns<QString, int>({"kind", "stopAfter"});
         QTest::newRow("someone else's file") << "owner" << 0;
         QTest::newRow("folder we may not write") << "folder" << 0;
-        // Header, two backup chunks, flush, commit, folder flush, first write.
-        QTest::newRow("folder we may not write, killed mid-write") << "folder" << 7;
+        // Header, two backup chunks, flush, commit, folder flush; the journal
+        // entry written, flushed, committed, its folder flushed; first write.
+        QTest::newRow("folder we may not write, killed mid-write") << "folder" << 11;
     }
 
     void inPlaceWhenRenameCannotServe()
@@ -383,7 +502,20 @@ private slots:
         QCOMPARE(WEXITSTATUS(status), stopAfter ? ImgImplIoStep::StopExitCode : 0);
         if (stopAfter) {
             QCOMPARE(QDir(work).entryList(QDir::Files).filter("backup_").size(), 1);
-            ImgImplBackupJournal::recoverIn(QFile::encodeName(work));
+            QCOMPARE(QDir(work).entryList(QDir::Files).filter("journal_").size(), 1);
+            // Root leaves another user's backup alone; its owner's next
+            // launch puts it back.
+            QCOMPARE(ImgImplBackupJournal::recoverAll(QFile::encodeName(work)).leftAlone.size(), 1);
+            QVERIFY(bytes(file) != m_old);
+            const pid_t next = fork();
+            if (next == 0) {
+                if (setgroups(0, nullptr) != 0 || setgid(user) != 0 || setuid(user) != 0)
+                    _exit(3);
+                const auto report = ImgImplBackupJournal::recoverAll(QFile::encodeName(work));
+                _exit(report.restored == 1 && report.leftAlone.isEmpty() ? 0 : 1);
+            }
+            QCOMPARE(waitpid(next, &status, 0), next);
+            QVERIFY(WIFEXITED(status) && WEXITSTATUS(status) == 0);
         }
         QCOMPARE(bytes(file), stopAfter ? m_old : m_new);
         struct stat after;
@@ -423,19 +555,66 @@ private slots:
         QCOMPARE(int(st.st_mode & 07777), replaces ? 0600 : 0640);
     }
 
-    // Save as: a name that appears while the file is written is not replaced.
-    void saveAsLeavesALateNameAlone()
+    // Save as replaces a file only when the person said yes to it; without
+    // that a file at the name, there before or appearing while the new one
+    // is written, stays untouched and the save fails as "name taken".
+    void saveAsReplacesOnlyWhenConfirmed_data()
     {
+        columns<QString, bool, bool>({"name", "confirmed", "saved"});
+        QTest::newRow("new name") << "free" << false << true;
+        QTest::newRow("existing name, replace confirmed") << "existing" << true << true;
+        QTest::newRow("existing name, not confirmed") << "existing" << false << false;
+        QTest::newRow("name taken while writing") << "late" << false << false;
+        QTest::newRow("symlink at the name, not confirmed") << "link" << false << false;
+    }
+
+    void saveAsReplacesOnlyWhenConfirmed()
+    {
+        auto [name, confirmed, saved] = fetch<QString, bool, bool>({"name", "confirmed", "saved"});
         setUp("rename", 10, 10);
         QVERIFY(writeBytes(m_work.filePath("new.jpg"), m_new));
-        // Someone creates the name between the check and the rename.
-        static QString late;
-        late = m_pics.filePath("late.jpg");
-        ImgImplFileOps::setCreateHookForTest([](const QByteArray &) { writeBytes(late, "theirs"); });
-        QCOMPARE(ImgImplImageStore::copyFile(m_work.filePath("new.jpg"), late), -1);
+        static QString target;
+        target = m_pics.filePath("chosen.jpg");
+        QTemporaryDir elsewhere;
+        const QString victim = elsewhere.filePath("victim");
+        QVERIFY(writeBytes(victim, "theirs"));
+        if (name == "existing")
+            QVERIFY(writeBytes(target, "theirs"));
+        else if (name == "link")
+            QCOMPARE(symlink(QFile::encodeName(victim).constData(), QFile::encodeName(target).constData()), 0);
+        else if (name == "late") // someone creates the name between the question and the rename
+            ImgImplFileOps::setCreateHookForTest([](const QByteArray &) { writeBytes(target, "theirs"); });
+        const auto replace = confirmed ? ImgImplSafeSave::Replace::IfExists : ImgImplSafeSave::Replace::Never;
+        const int result = ImgImplSafeSave::write(m_work.filePath("new.jpg"), target, nullptr, replace);
+        const int error = errno;
         ImgImplFileOps::setCreateHookForTest(nullptr);
-        QCOMPARE(bytes(late), QByteArray("theirs"));
+        QCOMPARE(result, saved ? 0 : -1);
+        if (!saved)
+            QCOMPARE(saveResultFromErrno(error), ImgImplSaveResult::NameTaken);
+        QCOMPARE(bytes(target), saved ? m_new : QByteArray("theirs"));
+        QCOMPARE(bytes(victim), QByteArray("theirs"));
         QVERIFY(leftovers().filter(".vo-").isEmpty());
+    }
+
+    // The notice a failure shows follows from its errno: only a full medium
+    // is "memory full".
+    void failureKindsFollowTheError_data()
+    {
+        columns<int, int>({"error", "result"});
+        QTest::newRow("ENOSPC") << ENOSPC << int(ImgImplSaveResult::NoRoom);
+        QTest::newRow("EDQUOT") << EDQUOT << int(ImgImplSaveResult::NoRoom);
+        QTest::newRow("EIO") << EIO << int(ImgImplSaveResult::IoError);
+        QTest::newRow("EACCES") << EACCES << int(ImgImplSaveResult::Permission);
+        QTest::newRow("EPERM") << EPERM << int(ImgImplSaveResult::Permission);
+        QTest::newRow("EROFS") << EROFS << int(ImgImplSaveResult::Permission);
+        QTest::newRow("EEXIST") << EEXIST << int(ImgImplSaveResult::NameTaken);
+        QTest::newRow("ESTALE") << ESTALE << int(ImgImplSaveResult::IoError);
+    }
+
+    void failureKindsFollowTheError()
+    {
+        auto [error, result] = fetch<int, int>({"error", "result"});
+        QCOMPARE(int(saveResultFromErrno(error)), result);
     }
 };
 

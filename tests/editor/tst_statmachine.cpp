@@ -131,9 +131,9 @@ private slots:
             QVERIFY2(events.contains(e), qPrintable(QString("event %1 is never handled").arg(e)));
     }
 
-    // The frame acts only on the action of a finished service (result 0):
-    // starting the save, or writing over the original. The other actions
-    // mark the entry into a sub-editor, one marker per sub-editor.
+    // The frame acts on the action of a finished service (result 0),
+    // starting the save, and on the save screen's three answers. The other
+    // actions mark the entry into a sub-editor, one marker per sub-editor.
     void noActionWithoutAHandler()
     {
         QHash<int, int> markerOfState;
@@ -146,8 +146,11 @@ private slots:
                 QVERIFY2(t.event == EVT_SVC_DONE && t.nextStat == STAT_SAVE, qPrintable(where));
                 break;
             case ACT_SAVE_TO_ORIGINAL:
-                QVERIFY2(t.nextStat == STAT_MAIN, qPrintable(where));
-                QVERIFY2(t.curStat == STAT_SAVE || t.event != EVT_SVC_DONE, qPrintable(where));
+            case ACT_SAVE_AS:
+            case ACT_DISCARD:
+                // The save screen's three answers, one each.
+                QVERIFY2(t.curStat == STAT_SAVE && t.nextStat == STAT_MAIN, qPrintable(where));
+                QVERIFY2(t.event == t.action - ACT_SAVE_TO_ORIGINAL, qPrintable(where));
                 break;
             default:
                 QVERIFY2(t.action > ACT_NONE && t.action < ACT_START_SAVE, qPrintable(where));

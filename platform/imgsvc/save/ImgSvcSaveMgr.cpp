@@ -197,7 +197,8 @@ void ImgSvcSaveMgr::offerDiscard()
     ask(tr("TXT_RID_SAVE_DISCARD_QUESTION", "Discard all edits? The picture stays as it was."), [this] {
         // No name: the edits are not written anywhere.
         m_saveAsName = QString();
-        report(m_ctl, 1);
+        m_replaceConfirmed = false;
+        report(m_ctl, 2);
     });
 }
 
@@ -248,16 +249,18 @@ void ImgSvcSaveMgr::acceptName()
     const QString path = m_namePage->chosenPath(namingReference());
     if (path.isEmpty())
         return;
-    auto save = [this, path] {
+    auto save = [this, path](bool replace) {
         m_saveAsName = path;
+        m_replaceConfirmed = replace;
         showWait();
         report(m_ctl, 1);
     };
     // No: back to the entry, the name kept for correcting.
-    if (QFileInfo::exists(path))
-        ask(tr("TXT_RID_SAVE_REPLACE_QUESTION", "Replace %1?").arg(fitted(QFileInfo(path).fileName())), save);
+    if (QFileInfo::exists(path) || QFileInfo(path).isSymLink())
+        ask(tr("TXT_RID_SAVE_REPLACE_QUESTION", "Replace %1?").arg(fitted(QFileInfo(path).fileName())),
+            [save] { save(true); });
     else
-        save();
+        save(false);
 }
 
 void ImgSvcSaveMgr::updateInfo()

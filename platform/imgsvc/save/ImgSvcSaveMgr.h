@@ -17,9 +17,9 @@ class ZPopup;
 // "Save as" (right soft key) asks for a name and reports result 1, with
 // getSaveAsFilename() the chosen path (a relative name lies beside the
 // original, or beside the edited file when no original was named); a name
-// that exists is replaced only after the user said yes, and Back on the
-// entry returns to the choices. Select on the choices offers to drop the
-// edits: after a yes, result 1 with a null name. A name that stands for a
+// that exists is replaced only after the user said yes (replaceConfirmed()),
+// and Back on the entry returns to the choices. Select on the choices
+// offers to drop the edits: after a yes, result 2 (Discard), no name. A name that stands for a
 // folder, or whose extension is no format a picture is written in, is
 // refused on the entry page with a note.
 // The screen reports once and stays up; whoever showed it closes it. While
@@ -39,6 +39,9 @@ public:
     // when no original file name is given.
     void setEditedFile(const QString &file);
     QString getSaveAsFilename() const { return m_saveAsName; }
+    // Whether the person agreed to replace the file at that name; without
+    // it a file found there must not be written over.
+    bool replaceConfirmed() const { return m_replaceConfirmed; }
     // Removes the wait dialog shown by "Save".
     void deleteWaitDlg();
     ZPopup *waitDialog() const;
@@ -84,6 +87,7 @@ private:
     QString m_editedFile;
     QSize m_newSize;
     QString m_saveAsName;
+    bool m_replaceConfirmed = false;
     bool m_autoDeleteWait = true;
     QPointer<ZPopup> m_wait;
     QPointer<ZPopup> m_question;

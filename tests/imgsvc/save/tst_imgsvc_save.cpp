@@ -103,10 +103,13 @@ private slots:
         question = ask();
         QVERIFY(question);
         sendKeys(question, {Qt::Key_Select});
-        QCOMPARE(rec.delivered(), (Reports{{CTL_EVENT_SAVE, 1}}));
-        // Dropping the edits names no file at all (not even an empty name).
+        // Save as and Discard are results of their own; dropping the edits
+        // names no file at all (not even an empty name). Only the yes to
+        // "Replace?" lets the file there be replaced.
+        QCOMPARE(rec.delivered(), (Reports{{CTL_EVENT_SAVE, typed.isNull() ? 2 : 1}}));
         const QString chosen = mgr->getSaveAsFilename();
         QVERIFY2(typed.isNull() ? chosen.isNull() : chosen == m_dir.filePath(typed), qPrintable(chosen));
+        QCOMPARE(mgr->replaceConfirmed(), !typed.isNull());
     }
 
     // Told only the edited file (as after a resize), new names are offered

@@ -1,7 +1,5 @@
 #include "ImgImplFileOps.h"
 
-#include "ImgImplIoStep.h"
-
 #include <QRandomGenerator>
 
 #include <cerrno>
@@ -18,16 +16,17 @@ namespace {
 qint64 g_chunk = 1 << 20;
 ImgImplFileOps::CreateHook g_createHook = nullptr;
 bool g_sync = true;
+ImgImplFileOps::StepHooks *g_steps = nullptr;
 
-// Runs one counted step: begin may fail it on purpose, end may stop the
-// process right after it.
+// Runs one counted step: a test's hooks may fail it on purpose, or stop
+// the process right after it.
 template <typename Op> bool step(bool counted, Op op)
 {
-    if (counted && !ImgImplIoStep::begin())
+    if (counted && g_steps && !g_steps->begin())
         return false;
     const bool ok = op();
-    if (counted && ok)
-        ImgImplIoStep::end();
+    if (counted && ok && g_steps)
+        g_steps->end();
     return ok;
 }
 
@@ -41,6 +40,34 @@ QByteArray randomSuffix()
 }
 } // namespace
 
+void ImgImplFileOps::setStepHooks(StepHooks *hooks) { g_steps = hooks; }
+
+namespace {
+ImgImplFileOps::TemporaryHook g_temporary = nullptr;
+void *g_temporaryContext = nullptr;
+
+QByteArray dirPath(int dirFd)
+{
+    char dir[PATH_MAX];
+    const QByteArray link = "/proc/self/fd/" + QByteArray::number(dirFd);
+    const ssize_t n = ::readlink(link.constData(), dir, sizeof dir);
+    return n > 0 ? QByteArray(dir, int(n)) : QByteArray(".");
+}
+} // namespace
+
+void ImgImplFileOps::setTemporaryHook(TemporaryHook hook, void *context)
+{
+    g_temporary = hook;
+    g_temporaryContext = context;
+}
+
+void *ImgImplFileOps::temporaryHookContext() { return g_temporaryContext; }
+
+void ImgImplFileOps::madeTemporary(int dirFd, const QByteArray &name)
+{
+    if (g_temporary)
+        g_temporary(dirPath(dirFd) + '/' + name, g_temporaryContext);
+}
 void ImgImplFileOps::setChunkSize(qint64 bytes) { g_chunk = bytes > 0 ? bytes : (1 << 20); }
 qint64 ImgImplFileOps::chunkSize() { return g_chunk; }
 void ImgImplFileOps::setCreateHookForTest(CreateHook hook) { g_createHook = hook; }
@@ -73,24 +100,32 @@ bool ImgImplFileOps::writeAllAt(int fd, const char *data, qint64 size, qint64 of
     });
 }
 
+bool ImgImplFileOps::readAllAt(int fd, char *data, qint64 size, qint64 offset)
+{
+    while (size > 0) {
+        const ssize_t n = ::pread(fd, data, size_t(size), off_t(offset));
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n <= 0) {
+            if (n == 0)
+                errno = EIO; // the file shrank under us
+            return false;
+        }
+        data += n;
+        size -= n;
+        offset += n;
+    }
+    return true;
+}
+
 bool ImgImplFileOps::copyBytes(int from, qint64 fromOffset, int to, qint64 toOffset, qint64 size, bool counted)
 {
     std::vector<char> buffer(size_t(qMin<qint64>(g_chunk, qMax<qint64>(size, 1))));
     qint64 done = 0;
     while (done < size) {
         const qint64 want = qMin<qint64>(qint64(buffer.size()), size - done);
-        qint64 got = 0;
-        while (got < want) {
-            const ssize_t n = ::pread(from, buffer.data() + got, size_t(want - got), off_t(fromOffset + done + got));
-            if (n < 0 && errno == EINTR)
-                continue;
-            if (n <= 0) {
-                if (n == 0)
-                    errno = EIO; // the source shrank under us
-                return false;
-            }
-            got += n;
-        }
+        if (!readAllAt(from, buffer.data(), want, fromOffset + done))
+            return false;
         if (!writeAllAt(to, buffer.data(), want, toOffset + done, counted))
             return false;
         done += want;
@@ -156,16 +191,18 @@ int ImgImplFileOps::createExclusive(int dirFd, const QByteArray &stem, mode_t mo
 {
     for (int attempt = 0; attempt < 32; ++attempt) {
         name = stem + randomSuffix();
-        if (g_createHook) {
-            char dir[PATH_MAX];
-            const QByteArray link = "/proc/self/fd/" + QByteArray::number(dirFd);
-            const ssize_t n = ::readlink(link.constData(), dir, sizeof dir);
-            g_createHook((n > 0 ? QByteArray(dir, int(n)) : QByteArray(".")) + '/' + name);
-        }
+        if (g_createHook)
+            g_createHook(dirPath(dirFd) + '/' + name);
         const int fd = ::openat(dirFd, name.constData(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode);
         if (fd >= 0) {
-            ::flock(fd, LOCK_EX | LOCK_NB);
-            return fd;
+            // Unlocked, a sweeper would take it for a dead writer's file.
+            if (::flock(fd, LOCK_EX | LOCK_NB) == 0)
+                return fd;
+            const int error = errno;
+            ::unlinkat(dirFd, name.constData(), 0);
+            ::close(fd);
+            errno = error;
+            break;
         }
         if (errno != EEXIST)
             break;

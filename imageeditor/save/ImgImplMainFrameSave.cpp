@@ -1,6 +1,7 @@
 #include "ImgImplMainFrame.h"
 
 #include "ImgImplImageStore.h"
+#include "ImgImplSaveService.h"
 #include "ImgImplServiceMgr.h"
 #include "ImgSvcCropCtl.h"
 #include "ImgSvcCropMgr.h"
@@ -8,17 +9,13 @@
 #include "ImgSvcSaveCtl.h"
 #include "ImgSvcSaveMgr.h"
 #include "MMFileFormat.h"
-#include "MMImageSource.h"
-#include "VOUtility.h"
 #include "ZNoticeDlg.h"
 #include "ZOptionsMenu.h"
 #include "ZSoftKey.h"
 
 #include <QApplication>
-#include <QFile>
 #include <QFileInfo>
 
-#include <unistd.h>
 
 // The save flow: edits reach a file only from the save screen, replayed on
 // the real-size copy so that the written file has full resolution.
@@ -58,42 +55,43 @@ void ImgImplMainFrame::startSave(ImgSvcCtlEvent *event)
     save->activateWindow();
 }
 
+// The save screen's answer: Save, Save as or Discard.
+void ImgImplMainFrame::finishSave(int action, ImgSvcCtlEvent *event)
+{
+    if (action == ACT_SAVE_TO_ORIGINAL) {
+        saveToOriginal();
+        // Its wait dialog stays up through the write.
+        serviceMgr->getSaveMgr()->deleteWaitDlg();
+        enableUserInput();
+        closeService(event->type());
+        return;
+    }
+    if (action == ACT_SAVE_AS)
+        saveAsNewFile();
+    else
+        dropEditsAndReload();
+    closeService(event->type());
+    enableUserInput();
+}
+
 void ImgImplMainFrame::saveToOriginal()
 {
-    MMImageSource *real = imageStore->getRealSource();
-    // A failed replay writes nothing; the edits are dropped all the same.
-    // The picture is never written over in another format than its own.
-    if (real && !noticeUnwritableFormat() && serviceMgr->processCmdList(*real, *real, cmdList) == 0) {
+    // The picture is never written over in another format than its own;
+    // the notice said so and the edits are dropped all the same.
+    if (!noticeUnwritableFormat()) {
         // The edit lock moves to the new file with the save.
-        if (imageStore->saveToOriginalFile(&lockFd) != 0)
-            showMemoryFullNotice();
+        const ImgImplSaveResult result = ImgImplSaveService(imageStore).saveOver(cmdList, originalFile, &lockFd);
+        showSaveFailure(result);
     }
     dropEditsAndReload();
 }
 
 void ImgImplMainFrame::saveAsNewFile()
 {
-    const QString chosen = serviceMgr->getSaveMgr()->getSaveAsFilename();
-    MMImageSource *real = imageStore->getRealSource();
-    if (!chosen.isNull() && real) {
-        const QString extension = QFileInfo(chosen).suffix().trimmed().toLower();
-        // The temporary's name is reserved with its extension, exclusively.
-        const std::string reserved = VOUtility::genTempFileName("/tmp/", "." + extension.toUtf8().toStdString());
-        if (!reserved.empty()) {
-            const QString tmpPath = QString::fromUtf8(reserved.c_str());
-            imageStore->recordTemporary(tmpPath);
-            auto *destination = new MMImageSource(MMImageSource::SOURCE_FILE);
-            destination->setFile(tmpPath.toUtf8().toStdString());
-            if (serviceMgr->processCmdList(*real, *destination, cmdList) == 0) {
-                if (!ImgImplImageStore::hasEnoughSpace(tmpPath, chosen))
-                    showMemoryFullNotice();
-                else if (ImgImplImageStore::copyFile(tmpPath, chosen, &lockFd) != 0)
-                    showMemoryFullNotice();
-            }
-            ::unlink(tmpPath.toUtf8().constData());
-            delete destination;
-        }
-    }
+    ImgSvcSaveMgr *save = serviceMgr->getSaveMgr();
+    const ImgImplSaveResult result =
+        ImgImplSaveService(imageStore).saveAs(cmdList, save->getSaveAsFilename(), save->replaceConfirmed(), &lockFd);
+    showSaveFailure(result);
     dropEditsAndReload();
 }
 
@@ -112,6 +110,39 @@ bool ImgImplMainFrame::noticeUnwritableFormat()
     return true;
 }
 
+void ImgImplMainFrame::showSaveFailure(ImgImplSaveResult result)
+{
+    QString reason;
+    switch (result) {
+    case ImgImplSaveResult::Saved:
+    case ImgImplSaveResult::NoName: // nothing was asked to be written
+        return;
+    case ImgImplSaveResult::NoRoom:
+        showMemoryFullNotice();
+        return;
+    case ImgImplSaveResult::Permission:
+        reason = QApplication::translate("ImgImplMainFrame", "TXT_RID_SAVE_REASON_PERMISSION",
+                                         "You may not change this file or its folder.");
+        break;
+    case ImgImplSaveResult::SourceUnreadable:
+        reason = QApplication::translate("ImgImplMainFrame", "TXT_RID_SAVE_REASON_UNREADABLE",
+                                         "It could not be read; it may be damaged.");
+        break;
+    case ImgImplSaveResult::NameTaken:
+        reason = QApplication::translate("ImgImplMainFrame", "TXT_RID_SAVE_REASON_NAME_TAKEN",
+                                         "Another file took that name meanwhile.");
+        break;
+    case ImgImplSaveResult::IoError:
+        reason = QApplication::translate("ImgImplMainFrame", "TXT_RID_SAVE_REASON_IO_ERROR",
+                                         "The memory could not be read or written.");
+        break;
+    }
+    const QString text =
+        QApplication::translate("ImgImplMainFrame", "TXT_RID_NOTICE_NOT_SAVED", "The picture could not be saved. %1")
+            .arg(reason);
+    showErrorNotice(text);
+}
+
 void ImgImplMainFrame::showMemoryFullNotice()
 {
     const QString text = QApplication::translate(
@@ -119,6 +150,11 @@ void ImgImplMainFrame::showMemoryFullNotice()
         "TXT_RID_INSTRUCTIONALTXT_CURRENTLY_SELECTED_MEMORY_IS_FULL_SELECT_ANOTHER_MEMORY_LOCATION_OR_DELETE_FILES",
         "Because the currently selected memory is full, you must select another memory location or delete "
         "files to make room.");
+    showErrorNotice(text);
+}
+
+void ImgImplMainFrame::showErrorNotice(const QString &text)
+{
     auto *notice = new ZNoticeDlg(1, 3000, QString(), text, nullptr, nullptr, true, 0);
     notice->setTitleIcon(QStringLiteral("error_pop"));
     notice->exec();

@@ -16,7 +16,9 @@
 namespace {
 constexpr qint64 ReservedBlocks = 5;
 
-enum Outcome { Done, Failed, CannotRename };
+// Unsynced: renamed into place, but the folder would not flush, so a power
+// cut could still bring the old file back.
+enum Outcome { Done, Unsynced, Failed, CannotRename };
 
 bool fitsIn(int dirFd, qint64 bytes)
 {
@@ -26,7 +28,10 @@ bool fitsIn(int dirFd, qint64 bytes)
     // 64-bit throughout: block counts times block size overflow 32 bits on
     // large media.
     const qint64 blockSize = qint64(fs.f_bsize);
-    return bytes < blockSize * qint64(fs.f_bavail) - ReservedBlocks * blockSize;
+    if (bytes < blockSize * qint64(fs.f_bavail) - ReservedBlocks * blockSize)
+        return true;
+    errno = ENOSPC;
+    return false;
 }
 
 // An error that says "not this way", as opposed to a failing medium.
@@ -67,6 +72,7 @@ Outcome writeBeside(Job &job, mode_t mode, Dress dress, Publish publish, int &ke
     const int fd = ImgImplFileOps::createExclusive(job.dirFd, ImgImplBackupJournal::tempStem(job.name), mode, temp);
     if (fd < 0)
         return refusedByRights(errno) || errno == EROFS ? CannotRename : Failed;
+    ImgImplFileOps::madeTemporary(job.dirFd, temp);
     Outcome outcome = Failed;
     if (ImgImplFileOps::copyBytes(job.sourceFd, 0, fd, 0, job.size, true)) {
         const Outcome dressed = dress(fd);
@@ -74,16 +80,15 @@ Outcome writeBeside(Job &job, mode_t mode, Dress dress, Publish publish, int &ke
             : ImgImplFileOps::sync(fd) && publish(temp) ? Done : Failed;
     }
     if (outcome != Done) {
+        const int error = errno;
         ::unlinkat(job.dirFd, temp.constData(), 0);
         ::close(fd);
+        errno = error;
         return outcome;
     }
-    // After the rename: flushing the folder makes it durable. If that fails
-    // the file already reads as the new one, and a power cut can at worst
-    // bring back the old one, so the save stands.
-    ImgImplFileOps::sync(job.dirFd);
+    // After the rename only flushing the folder makes it durable.
     kept = fd;
-    return Done;
+    return ImgImplFileOps::sync(job.dirFd) ? Done : Unsynced;
 }
 
 int replaceExisting(Job &job, int *lockFd)
@@ -94,6 +99,7 @@ int replaceExisting(Job &job, int *lockFd)
     struct stat old;
     if (fstat(oldFd, &old) != 0 || !S_ISREG(old.st_mode)) {
         ::close(oldFd);
+        errno = EISDIR;
         return -1;
     }
     // Renaming would split a hard-linked file from its other names, and
@@ -123,7 +129,8 @@ int replaceExisting(Job &job, int *lockFd)
         outcome = writeBeside(job, 0600, dress, publish, newFd);
     }
     int result = -1;
-    if (outcome == Done) {
+    if (outcome == Done || outcome == Unsynced) {
+        const int error = errno;
         struct stat locked;
         if (lockFd && *lockFd >= 0 && fstat(*lockFd, &locked) == 0 && locked.st_dev == old.st_dev
             && locked.st_ino == old.st_ino) {
@@ -133,13 +140,16 @@ int replaceExisting(Job &job, int *lockFd)
         } else {
             ::close(newFd);
         }
-        result = 0;
+        errno = error;
+        result = outcome == Done ? 0 : -1;
     } else if (outcome == CannotRename) {
         const qint64 needed = qMax<qint64>(job.size, old.st_size);
         if (fitsIn(job.dirFd, needed))
             result = ImgImplBackupJournal::writeInPlace(job.sourceFd, job.size, job.dirFd, job.dir, job.name, old);
     }
+    const int error = errno;
     ::close(oldFd);
+    errno = error;
     return result;
 }
 
@@ -154,10 +164,13 @@ int createNew(Job &job)
         return ImgImplFileOps::renameNoReplace(job.dirFd, temp, job.name);
     };
     int fd = -1;
-    if (writeBeside(job, 0600, dress, publish, fd) != Done)
-        return -1;
-    ::close(fd);
-    return 0;
+    const Outcome outcome = writeBeside(job, 0600, dress, publish, fd);
+    if (fd >= 0) {
+        const int error = errno;
+        ::close(fd);
+        errno = error;
+    }
+    return outcome == Done ? 0 : -1;
 }
 } // namespace
 
@@ -171,16 +184,28 @@ bool ImgImplSafeSave::fits(qint64 bytes, const QByteArray &dir)
     return ok;
 }
 
-int ImgImplSafeSave::write(const QString &source, const QString &target, int *lockFd)
+int ImgImplSafeSave::write(const QString &source, const QString &target, int *lockFd, Replace replace)
 {
     Job job;
     job.sourceFd = ::open(QFile::encodeName(source).constData(), O_RDONLY | O_CLOEXEC);
     struct stat src;
-    if (job.sourceFd < 0 || fstat(job.sourceFd, &src) != 0 || !S_ISREG(src.st_mode))
+    if (job.sourceFd < 0 || fstat(job.sourceFd, &src) != 0)
         return -1;
+    if (!S_ISREG(src.st_mode)) {
+        errno = EISDIR;
+        return -1;
+    }
     job.size = src.st_size;
 
     const QByteArray given = QFile::encodeName(target);
+    if (replace == Replace::Never) {
+        // What is at the name now does not matter: only a new file is made.
+        ImgImplFileOps::splitPath(given, job.dir, job.name);
+        job.dirFd = ImgImplFileOps::openDir(job.dir);
+        if (job.dirFd < 0 || job.name.isEmpty())
+            return -1;
+        return createNew(job);
+    }
     struct stat st;
     const bool exists = ::lstat(given.constData(), &st) == 0;
     if (!exists && errno != ENOENT)

@@ -23,8 +23,14 @@ public:
     // meanwhile. When lockFd holds the flock on the replaced file, the lock
     // moves to the new file before the rename and the old descriptor is
     // closed only after it, so no second editor can slip in between.
-    // 0 on success; -1 on failure (no room included), target unchanged.
-    static int write(const QString &source, const QString &target, int *lockFd = nullptr);
+    // On failure the target is unchanged, save for a failed flush of its
+    // folder after the commit.
+    // With Replace::Never the target is always made new, and a file at its
+    // name (however it came there) fails the write with EEXIST.
+    // 0 on success; -1 with errno set on failure (ENOSPC for the room rule).
+    enum class Replace { IfExists, Never };
+    static int write(const QString &source, const QString &target, int *lockFd = nullptr,
+                     Replace replace = Replace::IfExists);
 
     // The strict room rule: bytes fit in the folder's file system when they
     // are fewer than the space available minus five blocks.

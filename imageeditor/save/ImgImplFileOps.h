@@ -5,14 +5,16 @@
 #include <sys/stat.h>
 
 // The low-level file steps the saves are built from. Steps marked "counted"
-// go through ImgImplIoStep, so crash and fault tests can stop or fail each
-// one. Every call handles EINTR and short writes; none follows a symlink at
+// are shown to the step hooks when a test has set them, so crash and fault
+// tests can stop or fail each one. Every call handles EINTR and short writes; none follows a symlink at
 // a name it creates.
 class ImgImplFileOps
 {
 public:
     // Writes all of data at offset (counted when asked, one step).
     static bool writeAllAt(int fd, const char *data, qint64 size, qint64 offset, bool counted);
+    // Reads exactly size bytes at offset; false (EIO) when the file is shorter.
+    static bool readAllAt(int fd, char *data, qint64 size, qint64 offset);
     // Copies size bytes of from, starting at fromOffset, to to at toOffset,
     // one counted step per chunk when asked. False on a read error or a
     // source shorter than expected.
@@ -44,6 +46,16 @@ public:
     // Splits /a/b/c into /a/b and c.
     static void splitPath(const QByteArray &path, QByteArray &dir, QByteArray &name);
 
+    // What tests hook into: begin runs before each counted step (false
+    // fails it, errno set), end after a step that happened. Null (the
+    // default, and all the library ever has) watches nothing.
+    struct StepHooks {
+        virtual ~StepHooks() = default;
+        virtual bool begin() = 0;
+        virtual void end() = 0;
+    };
+    static void setStepHooks(StepHooks *hooks);
+
     // Bytes per counted write; small values let tests reach many steps with
     // small files.
     static void setChunkSize(qint64 bytes);
@@ -57,4 +69,12 @@ public:
     static void setCreateHookForTest(CreateHook hook);
     // Runs the hook, for names made elsewhere.
     static void aboutToCreate(const QByteArray &path);
+
+    // Told the full path of each temporary a save makes beside a file, so
+    // that the editor lists it with its working files and a crash leaves
+    // none behind. Process-wide; null unsets it.
+    using TemporaryHook = void (*)(const QByteArray &path, void *context);
+    static void setTemporaryHook(TemporaryHook hook, void *context);
+    static void *temporaryHookContext();
+    static void madeTemporary(int dirFd, const QByteArray &name);
 };
