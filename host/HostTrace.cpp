@@ -41,6 +41,16 @@ void HostTrace::log(const QString &what)
     m_log.flush();
 }
 
+void HostTrace::logKey(const QString &name)
+{
+    log(QStringLiteral("key ") + name);
+    // What a window on the screen paints next is its answer to the key.
+    for (QWidget *w : QApplication::topLevelWidgets()) {
+        if (w->isVisible() && !m_awaitingPaint.contains(w))
+            m_awaitingUpdate.insert(w);
+    }
+}
+
 void HostTrace::checkPicture()
 {
     const QByteArray signature = signatureOf(m_picture);
@@ -58,12 +68,16 @@ bool HostTrace::eventFilter(QObject *watched, QEvent *event)
         QWidget *widget = qobject_cast<QWidget *>(watched);
         if (widget && type == QEvent::Hide && widget->isWindow()) {
             m_awaitingPaint.remove(widget);
+            m_awaitingUpdate.remove(widget);
             log(QStringLiteral("hidden %1").arg(QString::fromLatin1(widget->metaObject()->className())));
         } else if (widget && type == QEvent::Show && widget->isWindow()) {
             m_awaitingPaint.insert(widget);
+            m_awaitingUpdate.remove(widget);
             log(QStringLiteral("shown %1").arg(QString::fromLatin1(widget->metaObject()->className())));
         } else if (widget && type == QEvent::Paint && m_awaitingPaint.remove(widget->window())) {
             log(QStringLiteral("painted %1").arg(QString::fromLatin1(widget->window()->metaObject()->className())));
+        } else if (widget && type == QEvent::Paint && m_awaitingUpdate.remove(widget->window())) {
+            log(QStringLiteral("updated %1").arg(QString::fromLatin1(widget->window()->metaObject()->className())));
         }
     }
     return QObject::eventFilter(watched, event);

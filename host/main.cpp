@@ -99,7 +99,7 @@ int main(int argc, char *argv[])
 
     if (tracer) {
         QObject::connect(&script, &HostKeyScript::keyPressing, tracer.get(),
-                         [&](const QString &name) { tracer->log("key " + name); });
+                         [&](const QString &name) { tracer->logKey(name); });
         QObject::connect(&script, &HostKeyScript::keyReturned, tracer.get(),
                          [&](const QString &name) { tracer->log("returned " + name); });
     }

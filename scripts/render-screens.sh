@@ -64,6 +64,14 @@ for size in 240x320 480x640; do
   run "$size" style "$(menu 7) Down Down Context2 wait:2200 Context2"
   keep "$work/style" 10 style "$size"
 
+  # Undo in the menu after a turn; then Clear takes the turn back.
+  run "$size" undo "Up Context1 Down Down Down Down Down Down Down Down Context2 Clear Context2"
+  keep "$work/undo" 10 options-undo "$size"
+  # The style list's last rows, then the adjust screen (back twice to leave).
+  run "$size" adjust "$(menu 7) Down Down Down Down Down Down Down Select Right Right Down Right Right Down Left Left Context2 Context2 wait:2200 Context2"
+  keep "$work/adjust" 16 style-adjust-entry "$size"
+  keep "$work/adjust" 25 adjust "$size"
+
   # Another editor holds the photo: the notice, then OK closes the editor.
   rm -rf "$work/busy"
   cp "$work/photo.jpg" "$work/busy.jpg"

@@ -80,6 +80,25 @@
     </message>
 </context>
 <context>
+    <name>ImgSvcAdjustDlg</name>
+    <message>
+        <source>Brightness</source>
+        <translation>Helligkeit</translation>
+    </message>
+    <message>
+        <source>Contrast</source>
+        <translation>Kontrast</translation>
+    </message>
+    <message>
+        <source>Saturation</source>
+        <translation>Sättigung</translation>
+    </message>
+    <message>
+        <source>Adjust</source>
+        <translation>Anpassen</translation>
+    </message>
+</context>
+<context>
     <name>ImgSvcCropMgr</name>
     <message>
         <source>Crop</source>
@@ -320,6 +339,14 @@
         <source>Emboss</source>
         <translation>Relief</translation>
     </message>
+    <message>
+        <source>Auto-fix</source>
+        <translation>Automatisch verbessern</translation>
+    </message>
+    <message>
+        <source>Adjust…</source>
+        <translation>Anpassen…</translation>
+    </message>
 </context>
 <context>
     <name>QObject</name>
@@ -377,6 +404,11 @@
         <source>TXT_RID_SOFTKEY_APPLY</source>
         <comment>Apply</comment>
         <translation>Übernehmen</translation>
+    </message>
+    <message>
+        <source>TXT_RID_OPTION_UNDO</source>
+        <comment>Undo</comment>
+        <translation>Rückgängig</translation>
     </message>
 </context>
 <context>

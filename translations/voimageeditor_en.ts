@@ -80,6 +80,25 @@
     </message>
 </context>
 <context>
+    <name>ImgSvcAdjustDlg</name>
+    <message>
+        <source>Brightness</source>
+        <translation>Brightness</translation>
+    </message>
+    <message>
+        <source>Contrast</source>
+        <translation>Contrast</translation>
+    </message>
+    <message>
+        <source>Saturation</source>
+        <translation>Saturation</translation>
+    </message>
+    <message>
+        <source>Adjust</source>
+        <translation>Adjust</translation>
+    </message>
+</context>
+<context>
     <name>ImgSvcCropMgr</name>
     <message>
         <source>Crop</source>
@@ -320,6 +339,14 @@
         <source>Emboss</source>
         <translation>Emboss</translation>
     </message>
+    <message>
+        <source>Auto-fix</source>
+        <translation>Auto-fix</translation>
+    </message>
+    <message>
+        <source>Adjust…</source>
+        <translation>Adjust…</translation>
+    </message>
 </context>
 <context>
     <name>QObject</name>
@@ -377,6 +404,11 @@
         <source>TXT_RID_SOFTKEY_APPLY</source>
         <comment>Apply</comment>
         <translation>Apply</translation>
+    </message>
+    <message>
+        <source>TXT_RID_OPTION_UNDO</source>
+        <comment>Undo</comment>
+        <translation>Undo</translation>
     </message>
 </context>
 <context>

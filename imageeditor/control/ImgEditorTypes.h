@@ -14,7 +14,7 @@ enum ImgEditorState : int {
 };
 
 // Input symbols: 0-2 are a service's result (the save screen: Save, Save
-// as, Discard), 3-11 the menu choices.
+// as, Discard), 3-12 the menu choices (undo also comes from the Clear key).
 enum ImgEditorEventId {
     EVT_SVC_DONE = 0,
     EVT_SVC_BACK = 1,
@@ -28,7 +28,8 @@ enum ImgEditorEventId {
     EVT_STYLE = 9,
     EVT_ADD_ELEMENT = 10,
     EVT_CANCEL = 11,
-    EVT_END = 12,
+    EVT_UNDO = 12,
+    EVT_END = 13,
 };
 
 // Follow-up work of a transition. 1-5 equal the id of the service started.
@@ -53,5 +54,5 @@ struct ImgEditorTransition
     int action;
 };
 
-constexpr int IMG_EDITOR_TRANSITION_COUNT = 22;
+constexpr int IMG_EDITOR_TRANSITION_COUNT = 24;
 extern const ImgEditorTransition IMG_EDITOR_TRANSITION_TABLE[IMG_EDITOR_TRANSITION_COUNT];

@@ -2,7 +2,9 @@
 
 #include "ImgEditorErrEvent.h"
 #include "ImgImplMenuEvent.h"
+#include "ImgImplServiceMgr.h"
 #include "ImgSvcCtlEvent.h"
+#include "ImgSvcSaveMgr.h"
 #include "ZSoftKey.h"
 
 #include <QApplication>
@@ -16,6 +18,12 @@
 namespace {
 constexpr int USER_INPUT_BLOCK_MS = 2000;
 constexpr int MIN_USER_INPUT_BLOCK_MS = 200;
+
+// The keypad's Clear key; a desktop keyboard has Backspace there.
+bool isUndoKey(int key)
+{
+    return key == Qt::Key_Clear || key == Qt::Key_Backspace;
+}
 } // namespace
 
 void ImgImplMainFrame::postToSelf(QEvent *event)
@@ -70,6 +78,7 @@ void ImgImplMainFrame::slotStyle()
 }
 
 void ImgImplMainFrame::slotCancel() { postToSelf(new ImgImplMenuEvent(EVT_CANCEL)); }
+void ImgImplMainFrame::slotUndo() { postToSelf(new ImgImplMenuEvent(EVT_UNDO)); }
 
 void ImgImplMainFrame::slotRightBtnClicked()
 {
@@ -91,7 +100,32 @@ void ImgImplMainFrame::keyPressEvent(QKeyEvent *event)
         rotate90Right();
     else if (event->key() == Qt::Key_Down)
         rotate90Left();
+    else if (isUndoKey(event->key()) && !event->isAutoRepeat())
+        slotUndo();
     ZKbMainWidget::keyPressEvent(event);
+}
+
+// The save screen is where a confirmed sub-editor's edit waits to be
+// written: Clear there takes it back as in the main view. Not while a name
+// is typed (Clear edits the name), a question is open or the screen has
+// already reported.
+void ImgImplMainFrame::watchSaveScreenKeys()
+{
+    serviceMgr->getSaveMgr()->installEventFilter(this);
+}
+
+bool ImgImplMainFrame::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::KeyPress && isUndoKey(static_cast<QKeyEvent *>(event)->key())
+        && serviceMgr->hasEntry(SERVICE_SAVE) && watched == serviceMgr->getSaveMgr()) {
+        const ImgSvcSaveMgr *save = serviceMgr->getSaveMgr();
+        if (save->isNameEntryShown() || save->question() || save->waitDialog() || save->hasReported())
+            return false;
+        if (!static_cast<QKeyEvent *>(event)->isAutoRepeat())
+            slotUndo();
+        return true;
+    }
+    return ZKbMainWidget::eventFilter(watched, event);
 }
 
 void ImgImplMainFrame::slotEnableUserInput()

@@ -54,6 +54,7 @@ signals:
 protected:
     void keyPressEvent(QKeyEvent *event) override;
     void customEvent(QEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private slots:
     void slotRotate90Left();
@@ -65,6 +66,7 @@ private slots:
     void slotAddElement();
     void slotStyle();
     void slotCancel();
+    void slotUndo();
     void slotRightBtnClicked();
     void slotEnableUserInput();
     void initUserInputEnableTimer();
@@ -89,6 +91,7 @@ private:
 
     // Event dispatch (control/).
     void postToSelf(QEvent *event);
+    void watchSaveScreenKeys();
 
     // Edit operations (operations/).
     void rotate90Left();
@@ -101,6 +104,9 @@ private:
     void startStyle();
     void startAddElement();
     void dropEditsAndReload();
+    void undoLastStep();
+    void showUndone(const MMCommand *command);
+    void recordStep(size_t commandsBefore, size_t filesBefore);
     void handleMenuEvent(ImgImplMenuEvent *event);
     void handleCtlEvent(ImgSvcCtlEvent *event);
     void onServiceDone(ImgSvcCtlEvent *event);
@@ -144,4 +150,12 @@ private:
     int lockFd;
     std::vector<QString> overlayTmpFiles;
     QTimer *inputEnableTimer;
+    // What Undo takes back: per step, oldest first, how many commands at
+    // the end of cmdList and files at the end of overlayTmpFiles it added.
+    struct EditStep
+    {
+        size_t commands;
+        size_t files;
+    };
+    std::vector<EditStep> editSteps;
 };

@@ -26,13 +26,14 @@ void ImgImplMainFrame::initOptionsMenu()
     for (const MenuItem &item : menuItems) {
         if (item.state == -1)
             continue;
-        const ImgImplMenuItemDef &def = IMG_IMPL_MENU_ITEMS[item.id - 1];
+        const ImgImplMenuItemDef &def = imgImplMenuItem(item.id);
         const QByteArray label = item.label.toUtf8();
         optionsMenu->changeItem(item.id, QObject::tr(def.text.key, label.constData()), nullptr);
         if (def.slot)
             optionsMenu->connectItem(item.id, this, def.slot);
         optionsMenu->setItemHide(item.id, false);
     }
+    optionsMenu->setItemHide(OPT_ITEM_UNDO, true);
     optionsMenu->setItemHide(OPT_ITEM_CANCEL, true);
 
     if (!ImgImplImageStore::isEditableImage(originalFile))

@@ -16,6 +16,15 @@ const ImgImplMenuItemDef IMG_IMPL_MENU_ITEMS[IMG_IMPL_MENU_ITEM_COUNT + 1] = {
     {OPT_ITEM_ADD_ELEMENTS, QT_TRANSLATE_NOOP3("QObject", "TXT_RID_OPTION_ADD_ELEMENTS", "Add Elements"),
      "1slotAddElement()"},
     {OPT_ITEM_STYLE, QT_TRANSLATE_NOOP3("QObject", "TXT_RID_OPTION_STYLE", "Style"), "1slotStyle()"},
+    {OPT_ITEM_UNDO, QT_TRANSLATE_NOOP3("QObject", "TXT_RID_OPTION_UNDO", "Undo"), "1slotUndo()"},
     {OPT_ITEM_CANCEL, QT_TRANSLATE_NOOP3("QObject", "TXT_RID_OPTION_CANCEL", "Cancel"), "1slotCancel()"},
     {-1, {"", nullptr}, nullptr},
 };
+
+const ImgImplMenuItemDef &imgImplMenuItem(int id)
+{
+    int row = 0;
+    while (IMG_IMPL_MENU_ITEMS[row].id != -1 && IMG_IMPL_MENU_ITEMS[row].id != id)
+        ++row;
+    return IMG_IMPL_MENU_ITEMS[row];
+}

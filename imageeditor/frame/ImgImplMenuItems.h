@@ -2,7 +2,8 @@
 
 // The Options menu's items, in menu order: id, resource key with its English
 // label, and the frame's slot. The parser, the menu build and every change
-// of an item's visibility take them from here.
+// of an item's visibility take them from here. Undo came later than the
+// others: its id is the last, its row is just before Cancel.
 enum ImgImplMenuItemId {
     OPT_ITEM_ROTATE_90_LEFT = 1,
     OPT_ITEM_ROTATE_90_RIGHT = 2,
@@ -13,6 +14,7 @@ enum ImgImplMenuItemId {
     OPT_ITEM_ADD_ELEMENTS = 7,
     OPT_ITEM_STYLE = 8,
     OPT_ITEM_CANCEL = 9,
+    OPT_ITEM_UNDO = 10,
 };
 
 struct ImgImplMenuText
@@ -28,6 +30,8 @@ struct ImgImplMenuItemDef
     const char *slot;
 };
 
-constexpr int IMG_IMPL_MENU_ITEM_COUNT = 9;
-// Row id - 1 holds item id; the last row (id -1, no slot) closes the table.
+constexpr int IMG_IMPL_MENU_ITEM_COUNT = 10;
+// In menu order; the last row (id -1, no slot) closes the table.
 extern const ImgImplMenuItemDef IMG_IMPL_MENU_ITEMS[IMG_IMPL_MENU_ITEM_COUNT + 1];
+// The row of item id; the closing row for an id the menu does not have.
+const ImgImplMenuItemDef &imgImplMenuItem(int id);

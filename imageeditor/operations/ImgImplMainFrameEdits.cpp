@@ -61,6 +61,7 @@ void ImgImplMainFrame::setRightKeyText(const QString &text)
 void ImgImplMainFrame::markEdited()
 {
     modified = true;
+    optionsMenu->setItemHide(OPT_ITEM_UNDO, false);
     optionsMenu->setItemHide(OPT_ITEM_CANCEL, false);
     setRightKeyText(QObject::tr("TXT_RID_SOFTKEY_APPLY", "Apply"));
 }
@@ -70,6 +71,7 @@ void ImgImplMainFrame::rotate90Left()
     viewer->rotate90L();
     markEdited();
     cmdList.push_back(rotation(-90));
+    editSteps.push_back({1, 0});
 }
 
 void ImgImplMainFrame::rotate90Right()
@@ -77,6 +79,7 @@ void ImgImplMainFrame::rotate90Right()
     viewer->rotate90R();
     markEdited();
     cmdList.push_back(rotation(90));
+    editSteps.push_back({1, 0});
 }
 
 void ImgImplMainFrame::mirrorHorizontal()
@@ -84,6 +87,7 @@ void ImgImplMainFrame::mirrorHorizontal()
     viewer->mirrorH();
     markEdited();
     cmdList.push_back(mirror(true));
+    editSteps.push_back({1, 0});
 }
 
 void ImgImplMainFrame::mirrorVertical()
@@ -91,6 +95,7 @@ void ImgImplMainFrame::mirrorVertical()
     viewer->mirrorV();
     markEdited();
     cmdList.push_back(mirror(false));
+    editSteps.push_back({1, 0});
 }
 
 void ImgImplMainFrame::startCrop()
@@ -160,6 +165,13 @@ void ImgImplMainFrame::handleMenuEvent(ImgImplMenuEvent *event)
     case EVT_STYLE: startStyle(); break;
     case EVT_ADD_ELEMENT: startAddElement(); break;
     case EVT_CANCEL: dropEditsAndReload(); break;
+    case EVT_UNDO:
+        // Undo also comes from a key, so in any mode: where the table has no
+        // step back it is dropped, rather than ending the machine.
+        if (statMachine->getNextStat(id) == STAT_END)
+            return;
+        undoLastStep();
+        break;
     default: break;
     }
     emit sigChangeStat(statMachine->getNextStat(id));
@@ -185,7 +197,10 @@ void ImgImplMainFrame::onServiceDone(ImgSvcCtlEvent *event)
         // The save screen is set up from the sub-editor's control before the
         // sub-editor is closed.
         startSave(event);
+        const size_t commandsBefore = cmdList.size(), filesBefore = overlayTmpFiles.size();
         appendServiceCommand(event);
+        recordStep(commandsBefore, filesBefore);
+        watchSaveScreenKeys();
     }
     closeService(event->type());
 }
@@ -238,9 +253,8 @@ void ImgImplMainFrame::appendResizeCommand()
 void ImgImplMainFrame::appendEffectCommand()
 {
     auto *effect = static_cast<ImgSvcEffectMgr *>(serviceMgr->getService(SERVICE_EFFECT));
-    auto *command = new MMEffectCommand();
-    command->setEffect(effect->getEffectCtl()->getEffect());
-    cmdList.push_back(command);
+    // The style with what it carries: auto-fix's levels, the adjustments.
+    cmdList.push_back(new MMEffectCommand(effect->getEffectCtl()->effectCommand()));
 }
 
 void ImgImplMainFrame::appendOverlayCommands()
@@ -263,7 +277,8 @@ void ImgImplMainFrame::appendOverlayCommands()
         }
         cmdList.push_back(command);
     }
-    overlayTmpFiles = overlay->getOverlayTmpFiles();
+    const std::vector<QString> files = overlay->getOverlayTmpFiles();
+    overlayTmpFiles.insert(overlayTmpFiles.end(), files.begin(), files.end());
 }
 
 void ImgImplMainFrame::closeService(int eventType)
@@ -309,6 +324,7 @@ void ImgImplMainFrame::clearCommands()
     for (MMCommand *command : cmdList)
         delete command;
     cmdList.clear();
+    editSteps.clear();
     for (const QString &file : overlayTmpFiles)
         QFile::remove(file);
     overlayTmpFiles.clear();
@@ -319,8 +335,69 @@ void ImgImplMainFrame::clearCommands()
 void ImgImplMainFrame::dropEditsAndReload()
 {
     reloadImage(originalFile);
+    optionsMenu->setItemHide(OPT_ITEM_UNDO, true);
     optionsMenu->setItemHide(OPT_ITEM_CANCEL, true);
     setRightKeyText(QObject::tr("TXT_RID_SOFTKEY_BACK", "Back"));
     modified = false;
     clearCommands();
+}
+
+// One confirmed sub-editor is one step, however many commands it queued
+// (every element placed in one add-elements session).
+void ImgImplMainFrame::recordStep(size_t commandsBefore, size_t filesBefore)
+{
+    if (cmdList.size() > commandsBefore)
+        editSteps.push_back({cmdList.size() - commandsBefore, overlayTmpFiles.size() - filesBefore});
+}
+
+// Takes back the last step. The main view shows only the turns and mirrors
+// (the other edits go straight on to the save screen), so the preview is
+// put back by the opposite turn of the small picture on the screen: nothing
+// is decoded or replayed. From the save screen the screen goes, and so does
+// the tmp copy, which holds every step replayed.
+void ImgImplMainFrame::undoLastStep()
+{
+    if (editSteps.empty())
+        return;
+    if (serviceMgr->hasEntry(SERVICE_SAVE)) {
+        closeService(CTL_EVENT_SAVE);
+        enableUserInput();
+    }
+    imageStore->deleteTmpSource();
+    const EditStep step = editSteps.back();
+    editSteps.pop_back();
+    for (size_t i = 0; i < step.commands && !cmdList.empty(); ++i) {
+        MMCommand *command = cmdList.back();
+        cmdList.pop_back();
+        showUndone(command);
+        delete command;
+    }
+    for (size_t i = 0; i < step.files && !overlayTmpFiles.empty(); ++i) {
+        QFile::remove(overlayTmpFiles.back());
+        overlayTmpFiles.pop_back();
+    }
+    if (!cmdList.empty())
+        return;
+    // Nothing left: as if nothing had been edited, so Back closes at once.
+    modified = false;
+    optionsMenu->setItemHide(OPT_ITEM_UNDO, true);
+    optionsMenu->setItemHide(OPT_ITEM_CANCEL, true);
+    setRightKeyText(QObject::tr("TXT_RID_SOFTKEY_BACK", "Back"));
+}
+
+void ImgImplMainFrame::showUndone(const MMCommand *command)
+{
+    if (command->type() == MMCommand::CMD_MIRROR) {
+        if (static_cast<const MMMirrorCommand *>(command)->getMirrorType())
+            viewer->mirrorH();
+        else
+            viewer->mirrorV();
+    } else if (command->type() == MMCommand::CMD_ROTATE) {
+        const int quarters = static_cast<const MMRotateCommand *>(command)->getDegree() / 90;
+        const int back = ((-quarters) % 4 + 4) % 4; // right quarter turns that take it back
+        if (back == 3)
+            viewer->rotate90L();
+        for (int i = 0; i < back && back != 3; ++i)
+            viewer->rotate90R();
+    }
 }

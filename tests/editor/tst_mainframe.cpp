@@ -6,11 +6,17 @@
 #include "ImgImplMenuEvent.h"
 #include "ImgImplMenuItems.h"
 #include "ImgImplStatMachine.h"
+#include "ImgSvcCropMgr.h"
+#include "ImgSvcEffectDlg.h"
 #include "ImgSvcLayout.h"
+#include "ImgSvcOverlayMgr.h"
+#include "ImgSvcResizeDlg.h"
 #include "ImgSvcSaveMgr.h"
 #include "ImgSvcViewer.h"
 #include "MMImageDecoder.h"
 #include "MMMirrorCommand.h"
+#include "MMOrientation.h"
+#include "MMOverlayImageCommand.h"
 #include "MMRotateCommand.h"
 #include "ZGlobal.h"
 #include "ZOptionsMenu.h"
@@ -31,6 +37,7 @@
 using namespace testimages;
 using editortest::press;
 using editortest::visibleNotice;
+using editortest::visibleWindow;
 
 namespace {
 QList<int> rotationDegrees(const ImgImplMainFrame *frame)
@@ -43,6 +50,16 @@ QList<int> rotationDegrees(const ImgImplMainFrame *frame)
             out << (m->getMirrorType() ? 1000 : 2000);
     }
     return out;
+}
+
+// What the viewer shows after the quick edits in `codes` (as
+// rotationDegrees gives them), starting from `unedited`.
+QImage turned(const QImage &unedited, const QList<int> &codes)
+{
+    MMOrientation total;
+    for (int code : codes)
+        total = total.then(code >= 1000 ? MMOrientation::mirror(code == 1000) : MMOrientation::rotation(code));
+    return total.apply(unedited);
 }
 
 // Another process's view of the lock: can it take it right now?
@@ -75,6 +92,23 @@ class TestMainFrame : public QObject
         press(frame, Qt::Key_Context2);
         const auto shown = [] { return editortest::visibleWindow<ImgSvcSaveMgr>(); };
         return QTest::qWaitFor([&] { return shown() != nullptr; }, 5000) ? shown() : nullptr;
+    }
+
+    // Opens the Options menu and chooses the item with this id.
+    static void choose(ImgImplMainFrame *frame, int itemId)
+    {
+        press(frame, Qt::Key_Context1);
+        for (int i = 0; i < 12 && frame->menu()->currentItemId() != itemId; ++i)
+            press(frame->menu(), Qt::Key_Down);
+        QCOMPARE(frame->menu()->currentItemId(), itemId);
+        press(frame->menu(), Qt::Key_Select);
+    }
+
+    template <typename T> static T *waitForWindow()
+    {
+        return QTest::qWaitFor([] { return editortest::visibleWindow<T>() != nullptr; }, 5000)
+            ? editortest::visibleWindow<T>()
+            : nullptr;
     }
 
 private slots:
@@ -169,7 +203,7 @@ private slots:
         QVERIFY(!frame->menu()->isItemHidden(OPT_ITEM_CANCEL));
 
         press(frame, Qt::Key_Context1);
-        for (int i = 0; i < 8; ++i)
+        for (int i = 0; i < 9; ++i) // Undo comes just before
             press(frame->menu(), Qt::Key_Down);
         QCOMPARE(frame->menu()->currentItemId(), int(OPT_ITEM_CANCEL));
         press(frame->menu(), Qt::Key_Select);
@@ -177,6 +211,161 @@ private slots:
         QCOMPARE(frame->softKeys()->text(ZSoftKey::RIGHT), QString("Back"));
         QVERIFY(frame->menu()->isItemHidden(OPT_ITEM_CANCEL));
         QVERIFY(!frame->isModified());
+    }
+
+    // Each Clear (Backspace on a desktop keyboard) or Undo from the menu
+    // takes back the last quick edit, and the preview shows what is left
+    // at once. Down to nothing it is as if nothing was edited: Undo and
+    // Cancel are hidden, the right soft key reads Back and closes.
+    // Keys: u Up, d Down, h/v mirror from the menu, c Clear, b Backspace,
+    // m Undo from the menu.
+    void undoTakesBackQuickEdits_data()
+    {
+        columns<QString, QList<int>>({"keys", "left"});
+        QTest::newRow("Clear takes back a turn") << "uc" << QList<int>{};
+        QTest::newRow("Backspace too") << "ub" << QList<int>{};
+        QTest::newRow("Undo in the menu") << "dm" << QList<int>{};
+        QTest::newRow("the last of three") << "uhdc" << QList<int>{90, 1000};
+        QTest::newRow("a mix, one at a time") << "uhvdcbmc" << QList<int>{};
+        QTest::newRow("then edit again") << "uvccdh" << QList<int>{-90, 1000};
+        QTest::newRow("more undos than edits") << "uccc" << QList<int>{};
+        QTest::newRow("nothing to undo") << "c" << QList<int>{};
+    }
+
+    void undoTakesBackQuickEdits()
+    {
+        auto [keys, left] = fetch<QString, QList<int>>({"keys", "left"});
+        auto *frame = ImgImplInterface::launchImageEditor(photo("undo.png", 320, 240), nullptr, nullptr);
+        QSignalSpy closed(frame, SIGNAL(sigMeClosed()));
+        const QImage unedited = frame->imageViewer()->displayImage();
+        for (const QChar k : keys) {
+            switch (k.toLatin1()) {
+            case 'u': press(frame, Qt::Key_Up); break;
+            case 'd': press(frame, Qt::Key_Down); break;
+            case 'h': choose(frame, OPT_ITEM_MIRROR_HORIZONTAL); break;
+            case 'v': choose(frame, OPT_ITEM_MIRROR_VERTICAL); break;
+            case 'c': press(frame, Qt::Key_Clear); break;
+            case 'b': press(frame, Qt::Key_Backspace); break;
+            case 'm': choose(frame, OPT_ITEM_UNDO); break;
+            }
+            settle();
+        }
+        QCOMPARE(rotationDegrees(frame), left);
+        QCOMPARE(frame->stateMachine()->currentStat(), STAT_MAIN);
+        QVERIFY(frame->imageViewer()->displayImage() == turned(unedited, left));
+        const bool pending = !left.isEmpty();
+        QCOMPARE(frame->isModified(), pending);
+        QCOMPARE(frame->menu()->isItemHidden(OPT_ITEM_UNDO), !pending);
+        QCOMPARE(frame->menu()->isItemHidden(OPT_ITEM_CANCEL), !pending);
+        QCOMPARE(frame->softKeys()->text(ZSoftKey::RIGHT), QString(pending ? "Apply" : "Back"));
+        if (pending) {
+            QCOMPARE(frame->menu()->visibleItemIds().mid(8), (QList<int>{OPT_ITEM_UNDO, OPT_ITEM_CANCEL}));
+            QCOMPARE(frame->menu()->itemText(OPT_ITEM_UNDO), QString("Undo"));
+            return;
+        }
+        press(frame, Qt::Key_Context2);
+        QCOMPARE(closed.count(), 1);
+        QVERIFY(!visibleWindow<ImgSvcSaveMgr>());
+    }
+
+    // A confirmed sub-editor's edit waits on the save screen; Clear there
+    // takes it back and returns to the main view with the edits before it.
+    // What is saved then is exactly those; with none, Back closes at once
+    // and the file is untouched. Elements placed in one session are one
+    // step, and their files go with it.
+    void undoOnTheSaveScreen_data()
+    {
+        columns<QString, bool>({"editor", "turnFirst"});
+        for (const char *editor : {"crop", "resize", "style", "elements"}) {
+            QTest::addRow("%s", editor) << editor << false;
+            QTest::addRow("turn, %s", editor) << editor << true;
+        }
+    }
+
+    void undoOnTheSaveScreen()
+    {
+        auto [editor, turnFirst] = fetch<QString, bool>({"editor", "turnFirst"});
+        const QString file = photo(QString("undo-%1%2.png").arg(editor).arg(turnFirst), 320, 240);
+        const QImage original(file);
+        auto *frame = ImgImplInterface::launchImageEditor(file, nullptr, nullptr);
+        QSignalSpy closed(frame, SIGNAL(sigMeClosed()));
+        if (turnFirst)
+            press(frame, Qt::Key_Up);
+        if (editor == "crop") {
+            choose(frame, OPT_ITEM_CROP);
+            auto *crop = waitForWindow<ImgSvcCropMgr>();
+            QVERIFY(crop);
+            press(crop, Qt::Key_Context1);
+        } else if (editor == "resize") {
+            choose(frame, OPT_ITEM_RESIZE);
+            auto *resize = waitForWindow<ImgSvcResizeDlg>();
+            QVERIFY(resize);
+            press(resize, Qt::Key_Select);
+        } else if (editor == "style") {
+            choose(frame, OPT_ITEM_STYLE);
+            auto *style = waitForWindow<ImgSvcEffectDlg>();
+            QVERIFY(style);
+            press(style, Qt::Key_Select);
+        } else {
+            choose(frame, OPT_ITEM_ADD_ELEMENTS);
+            auto *overlay = waitForWindow<ImgSvcOverlayMgr>();
+            QVERIFY(overlay);
+            for (int key : {Qt::Key_Select, Qt::Key_Select, Qt::Key_Right, Qt::Key_Select, Qt::Key_Select,
+                            Qt::Key_Context1})
+                press(overlay, key);
+        }
+        auto *save = waitForWindow<ImgSvcSaveMgr>();
+        QVERIFY(save);
+        QCOMPARE(frame->stateMachine()->currentStat(), STAT_SAVE);
+        QStringList elementFiles;
+        for (MMCommand *c : frame->pendingCommands()) {
+            if (auto *o = dynamic_cast<MMOverlayImageCommand *>(c)) {
+                MMRect rect;
+                MMImageSource image(MMImageSource::SOURCE_ELEMENT);
+                o->getData(rect, image);
+                elementFiles << QString::fromStdString(image.getFileName());
+            }
+        }
+        QCOMPARE(elementFiles.size() == 2, editor == "elements");
+        QCOMPARE(int(frame->pendingCommands().size()), int(turnFirst) + (editor == "elements" ? 2 : 1));
+
+        press(save, Qt::Key_Clear);
+        QTRY_COMPARE(frame->stateMachine()->currentStat(), STAT_MAIN);
+        QVERIFY(!visibleWindow<ImgSvcSaveMgr>());
+        QCOMPARE(rotationDegrees(frame), turnFirst ? QList<int>{90} : QList<int>{});
+        QCOMPARE(int(frame->pendingCommands().size()), int(turnFirst));
+        for (const QString &f : elementFiles)
+            QVERIFY2(!QFileInfo::exists(f), qPrintable(f));
+        QCOMPARE(frame->softKeys()->text(ZSoftKey::RIGHT), QString(turnFirst ? "Apply" : "Back"));
+        QTRY_VERIFY(frame->softKeys()->isButtonEnabled(ZSoftKey::RIGHT));
+
+        press(frame, Qt::Key_Context2);
+        if (!turnFirst) {
+            QCOMPARE(closed.count(), 1);
+            QCOMPARE(QImage(file), original);
+            return;
+        }
+        save = waitForWindow<ImgSvcSaveMgr>();
+        QVERIFY(save);
+        press(save, Qt::Key_Context1);
+        QTRY_VERIFY(frame->pendingCommands().empty());
+        QCOMPARE(QImage(file).convertToFormat(QImage::Format_RGB32),
+                 original.transformed(QTransform().rotate(90)).convertToFormat(QImage::Format_RGB32));
+    }
+
+    // Typing a name, Clear edits the name; the edits stay.
+    void clearOnTheNameEntryEditsTheName()
+    {
+        auto *frame = ImgImplInterface::launchImageEditor(photo("undo-name.png"), nullptr, nullptr);
+        ImgSvcSaveMgr *save = turnAndOpenSave(frame);
+        QVERIFY(save);
+        press(save, Qt::Key_Context2); // Save as: the name entry
+        QVERIFY(save->isNameEntryShown());
+        press(QApplication::focusWidget() ? QApplication::focusWidget() : save, Qt::Key_Clear);
+        settle();
+        QVERIFY(save->isVisible());
+        QCOMPARE(frame->stateMachine()->currentStat(), STAT_SAVE);
+        QCOMPARE(rotationDegrees(frame), QList<int>{90});
     }
 
     void upAndDownRotateLeftAndRightDoNot()

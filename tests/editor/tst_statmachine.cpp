@@ -24,7 +24,7 @@ signals:
 };
 
 constexpr int kStates = STAT_END;  // the live states, 0 .. STAT_SAVE
-constexpr int kEvents = EVT_END;   // the events that can occur, 0 .. EVT_CANCEL
+constexpr int kEvents = EVT_END;   // the events that can occur, 0 .. EVT_UNDO
 
 QList<ImgEditorTransition> loadedRecords()
 {

@@ -143,8 +143,9 @@ struct CommandList
 };
 
 // Builds a command list from a short text: "r90" rotate, "mh"/"mv" mirror,
-// "c1,2,3,4" crop, "s40,30" resize, "e2" effect, "o1,2,3,4,name.png"
-// overlay of a file in dir; separated by blanks.
+// "c1,2,3,4" crop, "s40,30" resize, "e2" effect ("e8:10,-20,30" adjust:
+// brightness, contrast, saturation), "o1,2,3,4,name.png" overlay of a file
+// in dir; separated by blanks.
 inline void parseCommands(const QString &text, CommandList &commands, const QString &dir = QString())
 {
     for (const QString &word : text.split(' ', Qt::SkipEmptyParts)) {
@@ -156,7 +157,13 @@ inline void parseCommands(const QString &text, CommandList &commands, const QStr
         case 'm': commands.add<MMMirrorCommand>()->setMirrorType(arg == "h"); break;
         case 'c': commands.add<MMCropCommand>()->setRect(rect); break;
         case 's': commands.add<MMResizeCommand>()->setTargetSize(MMSize(n[0].toInt(), n.value(1).toInt())); break;
-        case 'e': commands.add<MMEffectCommand>()->setEffect(arg.toInt()); break;
+        case 'e': {
+            auto *effect = commands.add<MMEffectCommand>();
+            const QStringList v = arg.section(':', 1).split(',');
+            effect->setEffect(arg.section(':', 0, 0).toInt());
+            effect->setAdjustment({v.value(0).toInt(), v.value(1).toInt(), v.value(2).toInt()});
+            break;
+        }
         case 'o':
             commands.add<MMOverlayImageCommand>()->setData(
                 rect, EngineTestTools::source(dir + '/' + n.value(4), MMImageSource::SOURCE_ELEMENT));

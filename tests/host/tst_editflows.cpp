@@ -107,6 +107,19 @@ const QList<Flow> &flowTable()
          {"-rotate", "-90"}},
         {"leave", "crop", "png", small, leave(Crop), {"-rotate", "90"}},
         {"leave", "style", "png", small, leave(StyleSmall), {"-rotate", "90"}},
+        // Clear on the save screen takes the crop back; the turn is saved.
+        {"undo", "turn and crop, crop taken back", "png", small,
+         "Up " + menu(Crop) + " Context1 Clear wait:2100 " + kApply, {"-rotate", "90"}},
+        // A mirror after the turn, taken back with Undo in the menu (the
+        // row after Style), then a left turn taken back with Clear.
+        {"undo", "from the menu and by Clear", "png", small,
+         "Up " + menu(MirrorH) + ' ' + menu(StyleSmall + 1) + " Down Clear " + kApply, {"-rotate", "90"}},
+        // Down to nothing: Back closes at once.
+        {"unchanged", "every edit taken back", "png", small, "Up Down Clear Clear Context2"},
+        // Style, brightness up four steps: ImageMagick's +20 %.
+        {"adjust", "brighter", "png", small,
+         menu(StyleSmall) + ' ' + times("Down", 7) + " Select Right Right Right Right Select " + kSaveAndBack,
+         {"-brightness-contrast", "20x0"}, 1},
     };
     return table;
 }
@@ -224,7 +237,7 @@ private slots:
     // chosen on the preview and mapped to full-size pixels, edges included;
     // an offered size written as it is. A sub-editor left unconfirmed keeps
     // the edits made before it; Cancel drops them and the editor stays usable.
-    void editsMatchReference_data() { addRows({"quick", "crop", "resize", "cancel", "leave"}); }
+    void editsMatchReference_data() { addRows({"quick", "crop", "resize", "cancel", "leave", "undo", "adjust"}); }
     void editsMatchReference() { checkAgainstReference(); }
 
     // Flows that must leave the picture as it was and write nothing else.

@@ -12,15 +12,23 @@ const char *MMEffectCommand::effectName(int effect)
     case EFFECT_SOFT_FOCUS: return QT_TRANSLATE_NOOP("MMEffectCommand", "Soft focus");
     case EFFECT_SHARPEN: return QT_TRANSLATE_NOOP("MMEffectCommand", "Sharpen");
     case EFFECT_EMBOSS: return QT_TRANSLATE_NOOP("MMEffectCommand", "Emboss");
+    case EFFECT_AUTO_FIX: return QT_TRANSLATE_NOOP("MMEffectCommand", "Auto-fix");
+    case EFFECT_ADJUST: return QT_TRANSLATE_NOOP("MMEffectCommand", "Adjust…");
     default: return "";
     }
+}
+
+void MMEffectCommand::setLevels(const MMPixelFilters::Levels &levels)
+{
+    m_levels = levels;
+    m_hasLevels = true;
 }
 
 int MMEffectCommand::apply(QImage &image) const
 {
     if (image.isNull() || m_effect < EFFECT_NONE || m_effect >= EFFECT_COUNT)
         return -1;
-    if (m_effect == EFFECT_NONE)
+    if (m_effect == EFFECT_NONE || (m_effect == EFFECT_ADJUST && m_adjustment.isNone()))
         return 0;
     // The filters work on 32-bit pixels with straight (not premultiplied)
     // alpha.
@@ -35,6 +43,10 @@ int MMEffectCommand::apply(QImage &image) const
     case EFFECT_SOFT_FOCUS: MMPixelFilters::softFocus(result); break;
     case EFFECT_SHARPEN: MMPixelFilters::sharpen(result); break;
     case EFFECT_EMBOSS: MMPixelFilters::emboss(result); break;
+    case EFFECT_AUTO_FIX:
+        MMPixelFilters::applyLevels(result, m_hasLevels ? m_levels : MMPixelFilters::measureLevels(result));
+        break;
+    case EFFECT_ADJUST: MMPixelFilters::adjust(result, m_adjustment); break;
     }
     image = result;
     return 0;

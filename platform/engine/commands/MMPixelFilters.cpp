@@ -1,5 +1,6 @@
 #include "MMPixelFilters.h"
 #include <algorithm>
+#include <cmath>
 #include <vector>
 
 namespace {
@@ -138,4 +139,89 @@ void MMPixelFilters::emboss(QImage &image)
             line[x] = qRgba(v, v, v, qAlpha(line[x]));
         }
     }
+}
+
+void MMPixelFilters::adjust(QImage &image, const Adjustment &a)
+{
+    // One straight line through every channel value (0..1): contrast sets
+    // the slope, from flat at -100 to a step at 100, about mid-grey;
+    // brightness lifts or lowers it.
+    const double slope = qMax(0.0, std::tan(M_PI * (qBound(-100, a.contrast, 100) / 100.0 + 1.0) / 4.0));
+    const double brightness = qBound(-100, a.brightness, 100) / 100.0;
+    const double intercept = brightness + (1.0 - brightness) / 2.0 * (1.0 - slope);
+    float curve[256];
+    for (int v = 0; v < 256; ++v)
+        curve[v] = float(qBound(0.0, slope * v / 255.0 + intercept, 1.0) * 255.0);
+    const float gain = 1.0f + qBound(-100, a.saturation, 100) / 100.0f;
+    if (gain == 1.0f) {
+        uchar table[256];
+        for (int v = 0; v < 256; ++v)
+            table[v] = uchar(std::lround(curve[v]));
+        mapPixels(image, [&](QRgb c) { return qRgba(table[qRed(c)], table[qGreen(c)], table[qBlue(c)], qAlpha(c)); });
+        return;
+    }
+    mapPixels(image, [&](QRgb c) {
+        const float r = curve[qRed(c)], g = curve[qGreen(c)], b = curve[qBlue(c)];
+        const float hi = std::max({r, g, b}), lo = std::min({r, g, b});
+        const float spread = hi - lo;
+        if (spread <= 0.0f)
+            return qRgba(int(std::lround(r)), int(std::lround(r)), int(std::lround(r)), qAlpha(c));
+        // The distance of each channel from the lightness grows or shrinks
+        // with the saturation, at most until a channel reaches 0 or 255.
+        const float lightness = (hi + lo) / 2.0f;
+        const float k = std::min(gain, (255.0f - std::fabs(hi + lo - 255.0f)) / spread);
+        auto channel = [&](float v) { return int(std::lround(qBound(0.0f, lightness + (v - lightness) * k, 255.0f))); };
+        return qRgba(channel(r), channel(g), channel(b), qAlpha(c));
+    });
+}
+
+bool MMPixelFilters::Levels::operator==(const Levels &o) const
+{
+    return std::equal(low, low + 3, o.low) && std::equal(high, high + 3, o.high);
+}
+
+MMPixelFilters::Levels MMPixelFilters::measureLevels(const QImage &picture)
+{
+    constexpr int kMinSpan = 32; // at most an eightfold stretch
+    const bool rgb = picture.format() == QImage::Format_RGB32 || picture.format() == QImage::Format_ARGB32;
+    const QImage image = rgb ? picture : picture.convertToFormat(QImage::Format_ARGB32);
+    Levels levels;
+    std::vector<qint64> histogram(3 * 256, 0);
+    for (int y = 0; y < image.height(); ++y) {
+        const QRgb *line = reinterpret_cast<const QRgb *>(image.constScanLine(y));
+        for (int x = 0; x < image.width(); ++x) {
+            ++histogram[qRed(line[x])];
+            ++histogram[256 + qGreen(line[x])];
+            ++histogram[512 + qBlue(line[x])];
+        }
+    }
+    const qint64 clipped = qint64(image.width()) * image.height() / 200;
+    for (int c = 0; c < 3; ++c) {
+        const qint64 *h = &histogram[size_t(c) * 256];
+        int low = 0, high = 255;
+        for (qint64 below = h[0]; low < 255 && below <= clipped; below += h[++low]) {}
+        for (qint64 above = h[255]; high > 0 && above <= clipped; above += h[--high]) {}
+        if (high - low < kMinSpan) {
+            const int centre = (low + high + 1) / 2;
+            low = qBound(0, centre - kMinSpan / 2, 255 - kMinSpan);
+            high = low + kMinSpan;
+        }
+        levels.low[c] = low;
+        levels.high[c] = high;
+    }
+    return levels;
+}
+
+void MMPixelFilters::applyLevels(QImage &image, const Levels &levels)
+{
+    uchar table[3][256];
+    for (int c = 0; c < 3; ++c) {
+        const int low = qBound(0, levels.low[c], 254);
+        const int span = qMax(1, qBound(low + 1, levels.high[c], 255) - low);
+        for (int v = 0; v < 256; ++v)
+            table[c][v] = uchar(qBound(0, ((v - low) * 255 * 2 + span) / (2 * span), 255));
+    }
+    mapPixels(image, [&](QRgb c) {
+        return qRgba(table[0][qRed(c)], table[1][qGreen(c)], table[2][qBlue(c)], qAlpha(c));
+    });
 }

@@ -23,5 +23,36 @@ public:
     // bottom-right diagonal (kernel -1 -1 0 / -1 0 1 / 0 1 1).
     static void emboss(QImage &image);
 
+    // Brightness, contrast and saturation, each from -100 to 100, 0 leaving
+    // the picture as it is.
+    struct Adjustment
+    {
+        int brightness = 0;
+        int contrast = 0;
+        int saturation = 0;
+        bool isNone() const { return brightness == 0 && contrast == 0 && saturation == 0; }
+    };
+    // Brightness and contrast as ImageMagick's -brightness-contrast, then
+    // saturation as -modulate 100,100+saturation (HSL: the hue and the
+    // lightness kept, the saturation scaled but never past full). All in
+    // floating point from the original values and rounded once, so that a
+    // smooth gradient stays smooth.
+    static void adjust(QImage &image, const Adjustment &adjustment);
+
+    // Per channel (red, green, blue): the value that becomes 0 and the one
+    // that becomes 255.
+    struct Levels
+    {
+        int low[3] = {0, 0, 0};
+        int high[3] = {255, 255, 255};
+        bool operator==(const Levels &o) const;
+    };
+    // The levels that stretch each channel to the full range, leaving the
+    // darkest and the brightest half a percent of the pixels to clip; a
+    // channel is stretched at most eightfold, so a flat picture does not
+    // turn its noise into contrast.
+    static Levels measureLevels(const QImage &image);
+    static void applyLevels(QImage &image, const Levels &levels);
+
     static int luma(QRgb c) { return (299 * qRed(c) + 587 * qGreen(c) + 114 * qBlue(c) + 500) / 1000; }
 };

@@ -18,6 +18,9 @@ public:
     explicit ImgSvcScreen(QWidget *parent = nullptr, const char *name = nullptr, unsigned int flags = 0);
     ~ImgSvcScreen() override;
 
+    // Whether the screen has reported to its control (and takes no more keys).
+    bool hasReported() const { return m_reported; }
+
 protected:
     // Pages are built inside the screen so that its font applies from the start.
     QWidget *pageParent() const;

@@ -12,8 +12,7 @@ ImgSvcEffectCtl::~ImgSvcEffectCtl() = default;
 
 void ImgSvcEffectCtl::writeResult()
 {
-    MMEffectCommand effect;
-    effect.setEffect(m_effect);
+    MMEffectCommand effect = m_command;
     std::list<MMCommand *> commands{&effect};
     MMCommandRunner::run(*getInput(), *getOutput(), commands);
 }

@@ -1,7 +1,9 @@
 #pragma once
 #include "ImgSvcCtlInterface.h"
+#include "MMEffectCommand.h"
 
-// Effect control: the effect chosen in the dialog (an MMEffectCommand id).
+// Effect control: the style chosen in the dialog (an MMEffectCommand id),
+// with the levels auto-fix uses and the adjustments of the adjust screen.
 class ImgSvcEffectCtl : public ImgSvcCtlInterface
 {
     Q_OBJECT
@@ -9,12 +11,17 @@ public:
     explicit ImgSvcEffectCtl(QObject *parent = nullptr);
     ~ImgSvcEffectCtl() override;
 
-    void setEffect(int effect) { m_effect = effect; }
-    int getEffect() const { return m_effect; }
+    void setEffect(int effect) { m_command.setEffect(effect); }
+    int getEffect() const { return m_command.getEffect(); }
+    void setAdjustment(const MMPixelFilters::Adjustment &adjustment) { m_command.setAdjustment(adjustment); }
+    MMPixelFilters::Adjustment getAdjustment() const { return m_command.getAdjustment(); }
+    void setLevels(const MMPixelFilters::Levels &levels) { m_command.setLevels(levels); }
+    // The chosen style as the command that applies it.
+    const MMEffectCommand &effectCommand() const { return m_command; }
 
 protected:
     void writeResult() override;
 
 private:
-    int m_effect = 0;
+    MMEffectCommand m_command;
 };

@@ -1,4 +1,5 @@
 #include "ImgSvcEffectDlg.h"
+#include "ImgSvcAdjustDlg.h"
 #include "ImgSvcEffectCtl.h"
 #include "ImgSvcPictureView.h"
 #include "MMEffectCommand.h"
@@ -35,7 +36,11 @@ ImgSvcEffectDlg::ImgSvcEffectDlg(ImgSvcEffectCtl *ctl, QWidget *parent) : ImgSvc
     connect(styles, &QListWidget::currentRowChanged, this, &ImgSvcEffectDlg::showPreview);
 }
 
-ImgSvcEffectDlg::~ImgSvcEffectDlg() = default;
+ImgSvcEffectDlg::~ImgSvcEffectDlg()
+{
+    // It points at the same control.
+    delete m_adjust.data();
+}
 
 int ImgSvcEffectDlg::currentEffect() const
 {
@@ -49,8 +54,45 @@ QImage ImgSvcEffectDlg::previewImage() const
 
 bool ImgSvcEffectDlg::take(int row)
 {
-    m_ctl->setEffect(FirstEffect + row);
+    const int id = FirstEffect + row;
+    if (id == MMEffectCommand::EFFECT_ADJUST) {
+        openAdjust();
+        return false;
+    }
+    if (id == MMEffectCommand::EFFECT_AUTO_FIX)
+        m_ctl->setLevels(autoFixLevels());
+    m_ctl->setEffect(id);
     return true;
+}
+
+ImgSvcAdjustDlg *ImgSvcEffectDlg::adjustScreen() const
+{
+    return m_adjust.data();
+}
+
+void ImgSvcEffectDlg::openAdjust()
+{
+    delete m_adjust.data();
+    m_adjust = new ImgSvcAdjustDlg(m_ctl, m_original);
+    connect(m_adjust, &ImgSvcAdjustDlg::applied, this, &ImgSvcEffectDlg::settle);
+    connect(m_adjust, &ImgSvcAdjustDlg::leftUnchanged, this, [this] {
+        activateWindow();
+        setFocus();
+    });
+    m_adjust->show();
+    m_adjust->activateWindow();
+}
+
+const MMPixelFilters::Levels &ImgSvcEffectDlg::autoFixLevels()
+{
+    if (!m_levels) {
+        const MMImageSource *in = m_ctl->getInput();
+        const QImage analysed = in ? MMImageDecoder::decodeFitting(QString::fromStdString(in->getFileName()),
+                                                                   QSize(256, 256))
+                                   : QImage();
+        m_levels = analysed.isNull() ? MMPixelFilters::Levels() : MMPixelFilters::measureLevels(analysed);
+    }
+    return *m_levels;
 }
 
 void ImgSvcEffectDlg::showPreview()
@@ -61,6 +103,8 @@ void ImgSvcEffectDlg::showPreview()
         QImage styled = m_original;
         MMEffectCommand effect;
         effect.setEffect(id);
+        if (id == MMEffectCommand::EFFECT_AUTO_FIX)
+            effect.setLevels(autoFixLevels());
         if (!styled.isNull())
             effect.apply(styled);
         it = m_styled.insert(id, styled);

@@ -1,13 +1,44 @@
 // Commands applied to pictures in memory, checked against pixels worked out
 // by hand.
 #include "EngineTestTools.h"
+#include "MMPixelFilters.h"
 #include "datarows.h"
+#include "requiretool.h"
 #include <QTemporaryDir>
 #include <QtTest>
 
 using namespace EngineTestTools;
 
 static const char *const kStart = "ABCD/EFGH/IJKL";
+
+// Every hue at every lightness: red across, green down, blue the other way.
+static QImage colourful(int w, int h)
+{
+    QImage image(w, h, QImage::Format_RGB32);
+    for (int y = 0; y < h; ++y)
+        for (int x = 0; x < w; ++x)
+            image.setPixel(x, y, qRgb(255 * x / (w - 1), 255 * y / (h - 1), 255 - 255 * (x + y) / (w + h - 2)));
+    return image;
+}
+
+// The largest jump between neighbours along each row, and whether every
+// channel only rises from left to right.
+static int largestStep(const QImage &image, bool *rising)
+{
+    int largest = 0;
+    *rising = true;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 1; x < image.width(); ++x) {
+            const QRgb a = image.pixel(x - 1, y), b = image.pixel(x, y);
+            for (int shift : {0, 8, 16}) {
+                const int from = (a >> shift) & 0xFF, to = (b >> shift) & 0xFF;
+                largest = qMax(largest, qAbs(to - from));
+                *rising = *rising && to >= from;
+            }
+        }
+    }
+    return largest;
+}
 
 class TestEngineCommands : public QObject
 {
@@ -54,7 +85,7 @@ private slots:
         QTest::newRow("crop ending at the left edge") << "c-2,0,2,2" << "-";
         QTest::newRow("resize to nothing") << "s0,10" << "-";
         QTest::newRow("resize beyond the pixel limit") << "s60000,60000" << "-";
-        QTest::newRow("unknown effect") << "e7" << "-";
+        QTest::newRow("unknown effect") << "e9" << "-";
         QTest::newRow("overlay of a missing file") << "o0,0,2,2,missing.png" << "-";
         QTest::newRow("overlay of a file that is no picture") << "o0,0,2,2,text.png" << "-";
         QTest::newRow("overlay into an empty rectangle") << "o0,0,0,2,dot.png" << "-";
@@ -144,6 +175,138 @@ private slots:
         QVERIFY(applyAll(list, image));
 
         QCOMPARE(image.pixel(at) & 0xFFFFFF, expected & 0xFFFFFF);
+    }
+
+    // Brightness and contrast as ImageMagick's -brightness-contrast,
+    // saturation as its -modulate (HSL), on a picture with every hue and
+    // lightness; no change at all leaves the picture as it was, bit for bit.
+    // More colour stops at full saturation, where ImageMagick lets the
+    // channels clip (and the hue shift): compared on a muted picture.
+    void adjustMatchesImageMagick_data()
+    {
+        columns<QString, QStringList>({"adjust", "reference"});
+        QTest::newRow("no change") << "0,0,0" << QStringList{};
+        QTest::newRow("brighter") << "20,0,0" << QStringList{"-brightness-contrast", "20x0"};
+        QTest::newRow("darker, harder") << "-30,50,0" << QStringList{"-brightness-contrast", "-30x50"};
+        QTest::newRow("flatter") << "0,-40,0" << QStringList{"-brightness-contrast", "0x-40"};
+        QTest::newRow("brightest, flattest") << "100,-100,0" << QStringList{"-brightness-contrast", "100x-100"};
+        QTest::newRow("more colour") << "0,0,60" << QStringList{"-modulate", "100,160"};
+        QTest::newRow("no colour") << "0,0,-100" << QStringList{"-modulate", "100,0"};
+        QTest::newRow("all three") << "10,20,-30" << QStringList{"-brightness-contrast", "10x20", "-modulate", "100,70"};
+    }
+
+    void adjustMatchesImageMagick()
+    {
+        auto [adjust, reference] = fetch<QString, QStringList>({"adjust", "reference"});
+        QImage picture = colourful(96, 64);
+        if (adjust.endsWith(",60"))
+            MMPixelFilters::adjust(picture, {0, -50, 0}); // at most half saturated
+        QImage adjusted = picture;
+        CommandList list;
+        parseCommands("e8:" + adjust, list);
+
+        QVERIFY(applyAll(list, adjusted));
+
+        if (reference.isEmpty()) {
+            QCOMPARE(adjusted, picture);
+            return;
+        }
+        VO_REQUIRE_TOOL("convert");
+        const QString in = m_dir.filePath("adjust-in.png"), ref = m_dir.filePath("adjust-ref.png");
+        QVERIFY(picture.save(in));
+        QVERIFY(run("convert", QStringList{in} + reference + QStringList{"-depth", "8", ref}));
+        const QImage expected = QImage(ref).convertToFormat(QImage::Format_RGB32);
+        QVERIFY2(maxDifference(adjusted, expected) <= 3, qPrintable(QString::number(maxDifference(adjusted, expected))));
+        QVERIFY2(meanDifference(adjusted, expected) <= 0.6, qPrintable(QString::number(meanDifference(adjusted, expected))));
+    }
+
+    // Saved through the runner (decode, adjust, encode), a ramp of every
+    // grey and a colour ramp stay smooth: every channel still only rises,
+    // and no neighbours are further apart than the contrast's slope makes
+    // them (1 at no more contrast, 2 at 40 and less).
+    void adjustedGradientHasNoBands_data()
+    {
+        columns<QString, int>({"adjust", "step"});
+        QTest::newRow("brighter") << "30,0,0" << 1;
+        QTest::newRow("darker and flatter") << "-20,-50,0" << 1;
+        QTest::newRow("harder") << "0,40,0" << 2;
+        QTest::newRow("more colour") << "0,0,40" << 2;
+        QTest::newRow("less colour, brighter") << "15,0,-60" << 1;
+    }
+
+    void adjustedGradientHasNoBands()
+    {
+        auto [adjust, step] = fetch<QString, int>({"adjust", "step"});
+        QImage ramp(256, 2, QImage::Format_RGB32);
+        for (int x = 0; x < 256; ++x) {
+            ramp.setPixel(x, 0, qRgb(x, x, x));
+            ramp.setPixel(x, 1, qRgb(x, x * 3 / 4, x / 2));
+        }
+        const QString in = m_dir.filePath("ramp.png"), out = m_dir.filePath("ramp-adjusted.png");
+        QVERIFY(ramp.save(in));
+
+        QCOMPARE(runCommands(in, out, "e8:" + adjust), 0);
+
+        bool rising = false;
+        const QImage adjusted = QImage(out).convertToFormat(QImage::Format_RGB32);
+        // The colour row's own values are rounded (3x/4, x/2): only the
+        // grey row is exact enough to rise at every step.
+        largestStep(adjusted.copy(0, 0, 256, 1), &rising);
+        QVERIFY(rising);
+        const int largest = largestStep(adjusted, &rising);
+        QVERIFY2(largest <= step, qPrintable(QString::number(largest)));
+    }
+
+    // A dull picture with a blue cast (each channel in a narrow band, a few
+    // stray pixels beyond it): auto-fix stretches each band to the full
+    // range, leaving the stray half percent to clip, so the cast goes. A
+    // flat picture is stretched no more than eightfold. Levels given to the
+    // command are used as they are, not measured again on the picture it
+    // changes: that is how the full-size save repeats the preview.
+    void autoFixStretchesEachChannel()
+    {
+        QImage dull(200, 100, QImage::Format_RGB32);
+        for (int y = 0; y < dull.height(); ++y) {
+            for (int x = 0; x < dull.width(); ++x) {
+                const int v = x * 64 / dull.width(); // 0 .. 63
+                dull.setPixel(x, y, qRgb(90 + v, 80 + v, 150 + v));
+            }
+        }
+        for (int i = 0; i < 40; ++i) // 0.2 %: clipped
+            dull.setPixel(i, 0, i % 2 ? qRgb(255, 255, 255) : qRgb(0, 0, 0));
+        const MMPixelFilters::Levels levels = MMPixelFilters::measureLevels(dull);
+        for (int c = 0; c < 3; ++c) {
+            const int base = c == 0 ? 90 : (c == 1 ? 80 : 150);
+            QVERIFY2(qAbs(levels.low[c] - base) <= 1 && qAbs(levels.high[c] - (base + 63)) <= 1,
+                     qPrintable(QString("channel %1: %2..%3").arg(c).arg(levels.low[c]).arg(levels.high[c])));
+        }
+        QImage fixed = dull;
+        CommandList list;
+        parseCommands("e7", list);
+        QVERIFY(applyAll(list, fixed));
+        // The band's ends become black and white, and the grey ramp it was
+        // meant to be is grey again.
+        QCOMPARE(fixed.pixel(0, 50) & 0xFFFFFF, 0x000000u);
+        QCOMPARE(fixed.pixel(199, 50) & 0xFFFFFF, 0xFFFFFFu);
+        for (int x = 0; x < 200; x += 7) {
+            const QRgb p = fixed.pixel(x, 50);
+            QVERIFY2(qAbs(qRed(p) - qGreen(p)) <= 1 && qAbs(qBlue(p) - qGreen(p)) <= 1, qPrintable(QString::number(p, 16)));
+        }
+
+        QImage flat(50, 50, QImage::Format_RGB32);
+        flat.fill(qRgb(128, 128, 128));
+        flat.setPixel(0, 0, qRgb(131, 131, 131));
+        const MMPixelFilters::Levels flatLevels = MMPixelFilters::measureLevels(flat);
+        QCOMPARE(flatLevels.high[0] - flatLevels.low[0], 32);
+        MMPixelFilters::applyLevels(flat, flatLevels);
+        QVERIFY(qAbs(qRed(flat.pixel(1, 1)) - 128) <= 4);
+
+        MMEffectCommand given;
+        given.setEffect(MMEffectCommand::EFFECT_AUTO_FIX);
+        given.setLevels(MMPixelFilters::Levels());
+        QImage kept = dull;
+        QCOMPARE(given.apply(kept), 0);
+        QCOMPARE(kept, dull);
     }
 
     void overlayBlendsScalesAndClips()

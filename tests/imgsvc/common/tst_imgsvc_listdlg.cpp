@@ -1,10 +1,12 @@
 #include "ImgSvcTestSupport.h"
+#include "ImgSvcAdjustDlg.h"
 #include "ImgSvcEffectCtl.h"
 #include "ImgSvcEffectDlg.h"
 #include "ImgSvcEffectMgr.h"
 #include "ImgSvcResizeCtl.h"
 #include "ImgSvcResizeDlg.h"
 #include "ImgSvcResizeMgr.h"
+#include "ImgSvcKeys.h"
 #include "MMEffectCommand.h"
 #include "datarows.h"
 #include <QTemporaryDir>
@@ -88,6 +90,54 @@ private slots:
         sendKeys(mgr.dialog(), {Qt::Key_Down, Qt::Key_Down, Qt::Key_Context1, Qt::Key_Up, Qt::Key_Select});
         QCOMPARE(mgr.getEffectCtl()->getEffect(), MMEffectCommand::EFFECT_GRAYSCALE + 2);
         QCOMPARE(rec.delivered(), (Reports{{CTL_EVENT_EFFECT, 0}}));
+    }
+
+    // Adjust..., the last style, opens the adjust screen: Up/Down choose,
+    // Left/Right change in steps of 5 within -100..100 and the preview
+    // follows; Back returns to the list with the control untouched, Select
+    // confirms the adjustment. Auto-fix takes its levels along.
+    void adjustScreenFromTheStyleList_data()
+    {
+        columns<Keys, int, QList<int>, int>({"keys", "effect", "values", "result"});
+        const Keys toAdjust = Keys(7, Qt::Key_Down) + Keys{Qt::Key_Select};
+        QTest::newRow("brighter, less colour") << toAdjust + Keys{Qt::Key_Right, Qt::Key_Right, Qt::Key_Down, Qt::Key_Down,
+                                                                  Qt::Key_Left, Qt::Key_Select}
+                                               << int(MMEffectCommand::EFFECT_ADJUST) << QList<int>{10, 0, -5} << 0;
+        QTest::newRow("stops at 100") << toAdjust + Keys(30, Qt::Key_Right) + Keys{Qt::Key_Context1}
+                                      << int(MMEffectCommand::EFFECT_ADJUST) << QList<int>{100, 0, 0} << 0;
+        QTest::newRow("back to the list, then a style")
+            << toAdjust + Keys{Qt::Key_Right, Qt::Key_Context2, Qt::Key_Up, Qt::Key_Select}
+            << int(MMEffectCommand::EFFECT_AUTO_FIX) << QList<int>{0, 0, 0} << 0;
+    }
+
+    void adjustScreenFromTheStyleList()
+    {
+        auto [keys, effect, values, result] = fetch<Keys, int, QList<int>, int>({"keys", "effect", "values", "result"});
+        ReportRecorder rec;
+        ImgSvcEffectMgr mgr;
+        mgr.getEffectCtl()->setInput(&m_src);
+        mgr.getEffectCtl()->setEventReceiver(&rec);
+        mgr.launchEffectDlg();
+        QPointer<ImgSvcEffectDlg> list = mgr.dialog();
+        for (int key : keys) {
+            ImgSvcAdjustDlg *adjust = list && list->adjustScreen() && list->adjustScreen()->isVisible()
+                ? list->adjustScreen() : nullptr;
+            QWidget *target = adjust ? static_cast<QWidget *>(adjust) : list.data();
+            QVERIFY(target);
+            const QImage before = adjust ? adjust->previewImage() : QImage();
+            const int brightness = adjust ? adjust->adjustment().brightness : 0;
+            sendKeys(target, {key});
+            // (near 100 the test picture is white already)
+            if (adjust && adjust->isVisible() && adjust->adjustment().brightness != brightness && brightness < 30)
+                QVERIFY(adjust->previewImage() != before); // live
+        }
+        const MMEffectCommand &chosen = mgr.getEffectCtl()->effectCommand();
+        QCOMPARE(chosen.getEffect(), effect);
+        const MMPixelFilters::Adjustment a = chosen.getAdjustment();
+        QCOMPARE((QList<int>{a.brightness, a.contrast, a.saturation}), values);
+        QCOMPARE(chosen.hasLevels(), effect == MMEffectCommand::EFFECT_AUTO_FIX);
+        QCOMPARE(rec.delivered(), (Reports{{CTL_EVENT_EFFECT, result}}));
+        QTRY_VERIFY(!list); // the list goes with the adjust screen
     }
 
 private:
