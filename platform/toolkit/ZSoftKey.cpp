@@ -10,10 +10,13 @@ ZSoftKey::ZSoftKey(QWidget *parent, const char *name)
     if (name)
         setObjectName(QString::fromLatin1(name));
     setFocusPolicy(Qt::NoFocus);
+    // Each label sits over its key, so the bar does not mirror with a
+    // right-to-left language: the left key's label stays on the left.
+    setLayoutDirection(Qt::LeftToRight);
     auto *layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
-    const Qt::Alignment align[2] = {Qt::AlignLeft, Qt::AlignRight};
+    const Qt::Alignment align[2] = {Qt::AlignLeft | Qt::AlignAbsolute, Qt::AlignRight | Qt::AlignAbsolute};
     for (int i = 0; i < 2; ++i) {
         m_buttons[i] = new ZSoftKeyButton(align[i], this);
         layout->addWidget(m_buttons[i], 1);
