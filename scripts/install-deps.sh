@@ -11,6 +11,9 @@ PACKAGES=(
   libturbojpeg0-dev libjpeg62-turbo-dev libexiv2-dev
   libjpeg-turbo-progs imagemagick libvips-tools libimage-exiftool-perl
   xvfb xauth fonts-dejavu-core
+  # The scripts of the catalogues: Latin, Cyrillic, Arabic and Devanagari
+  # (Noto core), Simplified Chinese (Noto CJK).
+  fonts-noto-core fonts-noto-cjk
   lomiri-wallpapers-20.04 mate-backgrounds
   time
   inotify-tools
