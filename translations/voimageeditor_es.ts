@@ -72,12 +72,12 @@
     <message>
         <source>TXT_RID_CROP_HINT_SECOND</source>
         <comment>Arrows: lower right corner</comment>
-        <translation>Flechas: esquina inferior derecha</translation>
+        <translation>Flechas: abajo a la derecha</translation>
     </message>
     <message>
         <source>TXT_RID_CROP_HINT_FIRST</source>
         <comment>Arrows: upper left corner</comment>
-        <translation>Flechas: esquina superior izquierda</translation>
+        <translation>Flechas: arriba a la izquierda</translation>
     </message>
     <message>
         <source>TXT_RID_CROP_HINT_MOVE</source>

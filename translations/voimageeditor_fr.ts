@@ -142,7 +142,7 @@
     </message>
     <message>
         <source>Place</source>
-        <translation>Placer</translation>
+        <translation>Poser</translation>
     </message>
     <message>
         <source>Done</source>
@@ -158,7 +158,7 @@
     </message>
     <message>
         <source>Move: arrows   Place: Select</source>
-        <translation>Déplacer&#xa0;: flèches   Placer&#xa0;: Sélection</translation>
+        <translation>Déplacer&#xa0;: flèches   Poser&#xa0;: Sélection</translation>
     </message>
     <message>
         <source>&lt; %1 &gt;   Select: move</source>
@@ -209,7 +209,7 @@
     <message>
         <source>TXT_RID_SAVE_SELECT_DISCARDS</source>
         <comment>Select: discard the edits</comment>
-        <translation>Sélection&#xa0;: abandonner les modifications</translation>
+        <translation>Sélection&#xa0;: tout abandonner</translation>
     </message>
     <message>
         <source>TXT_RID_SAVE_SAVING</source>

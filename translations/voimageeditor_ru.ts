@@ -142,7 +142,7 @@
     </message>
     <message>
         <source>Place</source>
-        <translation>Поместить</translation>
+        <translation>Вставить</translation>
     </message>
     <message>
         <source>Done</source>
@@ -158,7 +158,7 @@
     </message>
     <message>
         <source>Move: arrows   Place: Select</source>
-        <translation>Сдвиг: стрелки   Поместить: Выбор</translation>
+        <translation>Сдвиг: стрелки   Вставить: Выбор</translation>
     </message>
     <message>
         <source>&lt; %1 &gt;   Select: move</source>
