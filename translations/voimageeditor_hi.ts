@@ -9,7 +9,7 @@
     </message>
     <message>
         <source>Exit</source>
-        <translation>बाहर</translation>
+        <translation>बाहर निकलें</translation>
     </message>
     <message>
         <source>This picture can not be shown.</source>
@@ -289,7 +289,7 @@
     </message>
     <message>
         <source>Sharpen</source>
-        <translation>तीक्ष्ण</translation>
+        <translation>तीक्ष्णता</translation>
     </message>
     <message>
         <source>Emboss</source>
