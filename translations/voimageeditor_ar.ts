@@ -67,7 +67,7 @@
     <message>
         <source>TXT_RID_CROP_SIZE</source>
         <comment>%1 x %2   Select: next</comment>
-        <translation>%1 x %2   تحديد: التالي</translation>
+        <translation>‎%1 x %2   تحديد: التالي</translation>
     </message>
     <message>
         <source>TXT_RID_CROP_HINT_SECOND</source>
@@ -177,11 +177,11 @@
     </message>
     <message>
         <source>Size now: %1 x %2</source>
-        <translation>الحجم الحالي: %1 x %2</translation>
+        <translation>الحجم الحالي: ‎%1 x %2</translation>
     </message>
     <message>
         <source>%1 x %2</source>
-        <translation>%1 x %2</translation>
+        <translation>‎%1 x %2</translation>
     </message>
     <message>
         <source>The picture is too small to be made smaller.</source>
@@ -204,7 +204,7 @@
     </message>
     <message>
         <source>New size: %1 x %2</source>
-        <translation>الحجم الجديد: %1 x %2</translation>
+        <translation>الحجم الجديد: ‎%1 x %2</translation>
     </message>
     <message>
         <source>TXT_RID_SAVE_SELECT_DISCARDS</source>
