@@ -13,6 +13,9 @@ PACKAGES=(
   webp libheif-examples
   libjpeg-turbo-progs imagemagick libvips-tools libimage-exiftool-perl
   xvfb xauth fonts-dejavu-core
+  # The scripts of the catalogues: Latin, Cyrillic, Arabic and Devanagari
+  # (Noto core), Simplified Chinese (Noto CJK).
+  fonts-noto-core fonts-noto-cjk
   lomiri-wallpapers-20.04 mate-backgrounds
   time
   inotify-tools

@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
 # Renders every screen of the editor at 240x320 and 480x640 into docs/screens/,
+# and the main view, the menu and a notice in Arabic and Chinese,
 # driving the demo host with key scripts on a copy of a real photo. The wait
 # dialog and the storage-full notice are up only while the work they announce
 # blocks the host's key script, so those two come from the geometry test's
@@ -20,6 +21,9 @@ mkdir -p "$out"
 # Add Elements is offered up to 640x480: the sample is a photo of that size.
 convert /usr/share/backgrounds/Kleiber_by_Lukas_Baubkus.jpg -resize 640x480 -quality 90 "$work/photo.jpg"
 
+# The language of the runs: the system's unless set (the editor takes it from the locale).
+locale_env=()
+
 # keep SHOTDIR INDEX NAME SIZE: one shot, made small (a palette PNG).
 keep() {
   convert "$1/$(printf %03d "$2").png" -strip +dither -colors 128 "PNG8:$out/$3-$4.png"
@@ -33,8 +37,21 @@ run() {
   cp "$work/photo.jpg" "$pics/photo.jpg"
   # Makes Save as's offered name an existing one: the replace question.
   cp "$work/photo.jpg" "$pics/photo_edited.jpg"
-  timeout 120 "$viewer" --edit --screen "$size" --key-delay 500 --shots "$work/$name" --keys "$keys" \
+  env "${locale_env[@]}" timeout 120 "$viewer" --edit --screen "$size" --key-delay 500 --shots "$work/$name" --keys "$keys" \
     --quit-when-closed "$pics/photo.jpg" >/dev/null 2>&1 || true
+}
+
+# busy SIZE NAME: another editor holds the photo: the notice, then OK closes the editor.
+busy() {
+  rm -rf "$work/$2"
+  cp "$work/photo.jpg" "$work/busy.jpg"
+  flock "$work/busy.jpg" sleep 6 &
+  local holder=$!
+  sleep 0.5
+  env "${locale_env[@]}" timeout 60 "$viewer" --edit --screen "$1" --key-delay 800 --shots "$work/$2" --keys "Select" \
+    --quit-when-closed "$work/busy.jpg" >/dev/null 2>&1 || true
+  # Let the holder finish on its own before the next run needs the file.
+  wait "$holder" || true
 }
 
 menu() { # Options, then the row $1 rows below the first, selected
@@ -72,17 +89,21 @@ for size in 240x320 480x640; do
   keep "$work/adjust" 16 style-adjust-entry "$size"
   keep "$work/adjust" 25 adjust "$size"
 
-  # Another editor holds the photo: the notice, then OK closes the editor.
-  rm -rf "$work/busy"
-  cp "$work/photo.jpg" "$work/busy.jpg"
-  flock "$work/busy.jpg" sleep 6 &
-  holder=$!
-  sleep 0.5
-  timeout 60 "$viewer" --edit --screen "$size" --key-delay 800 --shots "$work/busy" --keys "Select" \
-    --quit-when-closed "$work/busy.jpg" >/dev/null 2>&1 || true
-  # Let the holder finish on its own before the next size needs the file.
-  wait "$holder" || true
+  busy "$size" busy
   keep "$work/busy" 0 being-edited "$size"
+
+  # Right to left and CJK: the main view, the menu and a notice in Arabic and
+  # Chinese, the language taken from the locale as on a handset.
+  for locale in ar_EG zh_CN; do
+    lang=${locale%%_*}
+    locale_env=(LANG="$locale.UTF-8" LC_ALL= LC_MESSAGES= LANGUAGE=)
+    run "$size" "flow-$lang" "Context1 Context2 Context2"
+    keep "$work/flow-$lang" 0 "main-$lang" "$size"
+    keep "$work/flow-$lang" 1 "options-menu-$lang" "$size"
+    busy "$size" "busy-$lang"
+    keep "$work/busy-$lang" 0 "being-edited-$lang" "$size"
+    locale_env=()
+  done
 done
 
 # The wait dialog, the storage-full notice and the notice of a format that can not

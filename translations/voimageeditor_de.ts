@@ -186,7 +186,7 @@
     </message>
     <message>
         <source>Place</source>
-        <translation>Platzieren</translation>
+        <translation>Setzen</translation>
     </message>
     <message>
         <source>Done</source>
@@ -202,7 +202,7 @@
     </message>
     <message>
         <source>Move: arrows   Place: Select</source>
-        <translation>Bewegen: Pfeile   Platzieren: Auswahl</translation>
+        <translation>Bewegen: Pfeile   Setzen: Auswahl</translation>
     </message>
     <message>
         <source>&lt; %1 &gt;   Select: move</source>

@@ -29,7 +29,6 @@ ZMainWidget::ZMainWidget(QWidget *parent, const char *name, unsigned int flags)
 
     m_title = new QLabel(this);
     m_title->setFont(ZTheme::titleFont());
-    m_title->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     m_title->setStyleSheet(QStringLiteral("QLabel { color: %1; padding-left: %2px; padding-right: %2px;"
                                           " border-bottom: 1px solid %3;"
                                           " background: qlineargradient(x1:0, y1:0, x2:0, y2:1,"
@@ -158,11 +157,21 @@ void ZMainWidget::resizeEvent(QResizeEvent *event)
     relayout();
 }
 
+void ZMainWidget::changeEvent(QEvent *event)
+{
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::LayoutDirectionChange)
+        relayout();
+}
+
 void ZMainWidget::relayout()
 {
     const QRect title = ZGlobal::getTitleR();
     const QRect keys = ZGlobal::getCstR();
     m_title->setGeometry(title);
+    // At the start of the bar in the screen's direction, whatever the
+    // title's own script: a Latin file name in Arabic screens sits right.
+    m_title->setAlignment((isRightToLeft() ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignAbsolute | Qt::AlignVCenter);
     const int room = title.width() - 2 * ZTheme::scaled(6);
     m_title->setText(m_title->fontMetrics().elidedText(m_titleText, Qt::ElideRight, room));
     m_title->raise();

@@ -5,6 +5,7 @@
 #include <QAction>
 #include <QKeyEvent>
 #include <QPainter>
+#include <QStyle>
 
 // Each item triggers through its own QAction, which gives the string-based
 // connectItem() a real signal ("triggered()") to connect to.
@@ -221,20 +222,23 @@ void ZOptionsMenu::paintEvent(QPaintEvent *)
             g.setColorAt(1, ZTheme::accentDark());
             p.fillRect(rowRect, g);
         }
+        // Laid out left to right, then mirrored for a right-to-left language.
         QRect textRect = rowRect.adjusted(margin, 0, -margin, 0);
         if (!item->pixmap.isNull()) {
             const int s = rowH - 2 * pad;
-            p.drawPixmap(QRect(textRect.left(), rowRect.top() + pad, s, s), item->pixmap);
+            p.drawPixmap(QStyle::visualRect(layoutDirection(), r, QRect(textRect.left(), rowRect.top() + pad, s, s)),
+                         item->pixmap);
             textRect.setLeft(textRect.left() + s + margin / 2);
         }
         p.setPen(current ? QColor(Qt::white) : ZTheme::menuText());
-        p.drawText(textRect, Qt::AlignLeft | Qt::AlignVCenter,
+        p.drawText(QStyle::visualRect(layoutDirection(), r, textRect),
+                   QStyle::visualAlignment(layoutDirection(), Qt::AlignLeft | Qt::AlignVCenter),
                    fontMetrics().elidedText(item->text, Qt::ElideRight, textRect.width()));
     }
 
     // Small marks where the list continues beyond the box.
     const int a = ZTheme::scaled(4);
-    const int cx = r.width() - margin;
+    const int cx = isRightToLeft() ? margin : r.width() - margin;
     p.setRenderHint(QPainter::Antialiasing);
     p.setPen(Qt::NoPen);
     p.setBrush(ZTheme::disabledText());

@@ -1,5 +1,6 @@
 #include "ZResourceTranslator.h"
 #include <QCoreApplication>
+#include <QGuiApplication>
 #include <QPointer>
 #include <QTranslator>
 
@@ -52,9 +53,19 @@ QString ZResourceTranslator::install(const QLocale &locale)
     if (!local->load(locale, QLatin1String(kCatalogue), QLatin1String("_"), QLatin1String(kCatalogueDir))
         || local->language().startsWith(QLatin1String("en"))) {
         delete local;
+        setDirection(QLocale(QLocale::English));
         return QStringLiteral("en");
     }
     g_local = local;
     QCoreApplication::installTranslator(local);
+    setDirection(QLocale(local->language()));
     return local->language();
+}
+
+// Screens read in the direction of the language shown, not of the locale: an
+// Arabic locale without a catalogue shows English, left to right.
+void ZResourceTranslator::setDirection(const QLocale &shown)
+{
+    if (qobject_cast<QGuiApplication *>(QCoreApplication::instance()))
+        QGuiApplication::setLayoutDirection(shown.textDirection());
 }

@@ -14,5 +14,10 @@ public:
     static void ensureInstalled();
     // Replaces the installed catalogues with those for locale. Returns the
     // language shown: the locale's, or "en" when it has no catalogue.
+    // Also sets the application's layout direction to the language's:
+    // right to left for Arabic, mirroring every layout as Qt does.
     static QString install(const QLocale &locale);
+
+private:
+    static void setDirection(const QLocale &shown);
 };

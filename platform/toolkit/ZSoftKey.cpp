@@ -1,7 +1,6 @@
 #include "ZSoftKey.h"
 #include "ZOptionsMenu.h"
 #include "ZSoftKeyButton.h"
-#include <QHBoxLayout>
 #include <QPointer>
 
 ZSoftKey::ZSoftKey(QWidget *parent, const char *name)
@@ -10,13 +9,12 @@ ZSoftKey::ZSoftKey(QWidget *parent, const char *name)
     if (name)
         setObjectName(QString::fromLatin1(name));
     setFocusPolicy(Qt::NoFocus);
-    auto *layout = new QHBoxLayout(this);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(0);
-    const Qt::Alignment align[2] = {Qt::AlignLeft, Qt::AlignRight};
+    // Each label sits over its key, so the bar does not mirror with a
+    // right-to-left language: the left key's label stays on the left.
+    setLayoutDirection(Qt::LeftToRight);
+    const Qt::Alignment align[2] = {Qt::AlignLeft | Qt::AlignAbsolute, Qt::AlignRight | Qt::AlignAbsolute};
     for (int i = 0; i < 2; ++i) {
         m_buttons[i] = new ZSoftKeyButton(align[i], this);
-        layout->addWidget(m_buttons[i], 1);
         const KEY_IDX idx = static_cast<KEY_IDX>(i);
         connect(m_buttons[i], &QPushButton::clicked, this, [this, idx] { press(idx); });
     }
@@ -30,6 +28,30 @@ void ZSoftKey::setText(KEY_IDX idx, const QString &text, TEXT_PRIORITY priority)
     if (idx != LEFT && idx != RIGHT)
         return;
     m_buttons[idx]->setText(text);
+    placeButtons();
+}
+
+void ZSoftKey::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    placeButtons();
+}
+
+// Half the bar each; a label longer than its half borrows from the other key
+// when both then fit whole ("Save" beside "Save as" in a long language).
+void ZSoftKey::placeButtons()
+{
+    const int w = width(), half = w / 2;
+    const int need[2] = {m_buttons[LEFT]->sizeHint().width(), m_buttons[RIGHT]->sizeHint().width()};
+    int left = half;
+    if (need[LEFT] + need[RIGHT] <= w) {
+        if (need[RIGHT] > w - half)
+            left = w - need[RIGHT];
+        else if (need[LEFT] > half)
+            left = need[LEFT];
+    }
+    m_buttons[LEFT]->setGeometry(0, 0, left, height());
+    m_buttons[RIGHT]->setGeometry(left, 0, w - left, height());
 }
 
 QString ZSoftKey::text(KEY_IDX idx) const
@@ -72,6 +94,7 @@ void ZSoftKey::menuOpened()
         m_savedTexts[i] = m_buttons[i]->text();
     m_buttons[LEFT]->setText(tr("TXT_RID_SOFTKEY_SELECT", "Select"));
     m_buttons[RIGHT]->setText(tr("TXT_RID_SOFTKEY_BACK", "Back"));
+    placeButtons();
 }
 
 void ZSoftKey::menuClosed()
@@ -81,6 +104,7 @@ void ZSoftKey::menuClosed()
     m_menuShown = false;
     for (int i = 0; i < 2; ++i)
         m_buttons[i]->setText(m_savedTexts[i]);
+    placeButtons();
 }
 
 ZOptionsMenu *ZSoftKey::optMenu(KEY_IDX idx) const

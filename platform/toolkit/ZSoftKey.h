@@ -35,7 +35,11 @@ signals:
     void leftClicked();
     void rightClicked();
 
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+
 private:
+    void placeButtons();
     void menuOpened();
     void menuClosed();
 

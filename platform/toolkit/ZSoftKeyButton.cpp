@@ -1,6 +1,7 @@
 #include "ZSoftKeyButton.h"
 #include "ZTheme.h"
 #include <QPainter>
+#include <QtMath>
 
 ZSoftKeyButton::ZSoftKeyButton(Qt::Alignment alignment, QWidget *parent)
     : QPushButton(parent)
@@ -13,7 +14,9 @@ ZSoftKeyButton::ZSoftKeyButton(Qt::Alignment alignment, QWidget *parent)
 
 QSize ZSoftKeyButton::sizeHint() const
 {
-    return QSize(fontMetrics().horizontalAdvance(text()) + 2 * ZTheme::scaled(6), fontMetrics().height());
+    // Rounded up: a label a fraction of a pixel wider than its button is elided.
+    return QSize(qCeil(QFontMetricsF(font()).horizontalAdvance(text())) + 2 * ZTheme::scaled(6),
+                 fontMetrics().height());
 }
 
 QSize ZSoftKeyButton::minimumSizeHint() const

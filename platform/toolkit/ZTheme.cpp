@@ -3,9 +3,22 @@
 #include <QGuiApplication>
 
 namespace {
+// One family per script the catalogues are written in, asked in this order
+// for each character, so a device image knows which font files it needs
+// (bench/RESULTS.md lists them). WenQuanYi is the smaller CJK font a tight
+// image may carry instead of Noto's; DejaVu is the last resort.
+const QStringList &families()
+{
+    static const QStringList list{QStringLiteral("Noto Sans"), QStringLiteral("Noto Sans Arabic"),
+                                  QStringLiteral("Noto Sans Devanagari"), QStringLiteral("Noto Sans CJK SC"),
+                                  QStringLiteral("WenQuanYi Micro Hei"), QStringLiteral("DejaVu Sans")};
+    return list;
+}
+
 QFont fontOfHeight(int pixelSize, bool bold = false)
 {
     QFont f = QGuiApplication::font();
+    f.setFamilies(families());
     // Pixel sizes, not points: on a handset the panel's pixels are what count.
     f.setPixelSize(qMax(8, pixelSize));
     f.setBold(bold);

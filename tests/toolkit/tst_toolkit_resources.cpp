@@ -49,6 +49,26 @@ private slots:
                                 << QByteArray("Error") << "Fehler";
         QTest::newRow("Swiss German") << "de_CH" << "de" << "ZNoticeDlg" << QByteArray("TXT_RID_NOTICE_WARNING")
                                       << QByteArray("Warning") << "Warnung";
+        // Each catalogue is found from its region's locale, and a region the
+        // catalogue was not written for finds the language's catalogue.
+        QTest::newRow("French (Canada)") << "fr_CA" << "fr" << "ZNoticeDlg" << QByteArray("TXT_RID_NOTICE_ERROR")
+                                         << QByteArray("Error") << "Erreur";
+        QTest::newRow("Spanish (Mexico)") << "es_MX" << "es" << "ZSoftKey" << QByteArray("TXT_RID_SOFTKEY_BACK")
+                                          << QByteArray("Back") << "Atrás";
+        QTest::newRow("Portuguese (Brazil)") << "pt_BR" << "pt_BR" << "ZSoftKey" << QByteArray("TXT_RID_SOFTKEY_BACK")
+                                             << QByteArray("Back") << "Voltar";
+        QTest::newRow("Russian") << "ru_RU" << "ru" << "ZNoticeDlg" << QByteArray("TXT_RID_NOTICE_ERROR")
+                                 << QByteArray("Error") << "Ошибка";
+        QTest::newRow("Arabic (Egypt)") << "ar_EG" << "ar" << "ZNoticeDlg" << QByteArray("TXT_RID_NOTICE_ERROR")
+                                        << QByteArray("Error") << "خطأ";
+        QTest::newRow("Hindi") << "hi_IN" << "hi" << "ZNoticeDlg" << QByteArray("TXT_RID_NOTICE_ERROR")
+                               << QByteArray("Error") << "त्रुटि";
+        QTest::newRow("Chinese (China)") << "zh_CN" << "zh_CN" << "ZNoticeDlg" << QByteArray("TXT_RID_NOTICE_ERROR")
+                                         << QByteArray("Error") << "错误";
+        QTest::newRow("Indonesian") << "id_ID" << "id" << "ZSoftKey" << QByteArray("TXT_RID_SOFTKEY_BACK")
+                                    << QByteArray("Back") << "Kembali";
+        QTest::newRow("Swahili (Kenya)") << "sw_KE" << "sw" << "ZSoftKey" << QByteArray("TXT_RID_SOFTKEY_BACK")
+                                         << QByteArray("Back") << "Rudi";
         QTest::newRow("Italian: English") << "it_IT" << "en" << "ZNoticeDlg" << QByteArray("TXT_RID_NOTICE_ERROR")
                                           << QByteArray("Error") << "Error";
         QTest::newRow("C locale: English") << "C" << "en" << "ZNoticeDlg" << QByteArray("TXT_RID_NOTICE_WARNING")

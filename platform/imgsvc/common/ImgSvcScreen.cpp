@@ -40,6 +40,8 @@ void ImgSvcScreen::layOutPicture(QWidget *page, QWidget *picture, std::initializ
     for (size_t i = 0; i < lines.size(); ++i) {
         QLabel *line = lines.begin()[i];
         line->setAlignment(Qt::AlignCenter);
+        // A hint longer than the screen is wide takes a second line, not cut.
+        line->setWordWrap(true);
         line->setContentsMargins(l[0], i == 0 ? l[2] : 0, l[1], i + 1 == lines.size() ? l[3] : 0);
         box->addWidget(line);
     }

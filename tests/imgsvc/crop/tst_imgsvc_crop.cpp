@@ -50,17 +50,23 @@ private slots:
     {
         auto [large, start, steps, keys, rect, result] =
             fetch<bool, QPoint, QPoint, Keys, QRect, int>({"large", "start", "steps", "keys", "rect", "result"});
-        ReportRecorder rec;
-        ImgSvcCropMgr mgr(nullptr, nullptr);
-        ImgSvcCropCtl *ctl = mgr.getCropCtl();
-        ctl->setInput(large ? &m_large : &m_small);
-        ctl->setEventReceiver(&rec);
-        ctl->setCropMoveStep(steps.x(), steps.y());
-        ctl->set1stPoint(start);
-        sendKeys(&mgr, keys);
-        QCOMPARE(ctl->getCropRect(), rect);
-        QVERIFY(rec.received.isEmpty()); // posted, not sent: the receiver may delete the screen
-        QCOMPARE(rec.delivered(), (result < 0 ? Reports() : Reports{{CTL_EVENT_CROP, result}}));
+        // The arrows move what they point at on the picture, also when the
+        // screens read right to left.
+        for (const Qt::LayoutDirection direction : {Qt::LeftToRight, Qt::RightToLeft}) {
+            QGuiApplication::setLayoutDirection(direction);
+            ReportRecorder rec;
+            ImgSvcCropMgr mgr(nullptr, nullptr);
+            ImgSvcCropCtl *ctl = mgr.getCropCtl();
+            ctl->setInput(large ? &m_large : &m_small);
+            ctl->setEventReceiver(&rec);
+            ctl->setCropMoveStep(steps.x(), steps.y());
+            ctl->set1stPoint(start);
+            sendKeys(&mgr, keys);
+            QCOMPARE(ctl->getCropRect(), rect);
+            QVERIFY(rec.received.isEmpty()); // posted, not sent: the receiver may delete the screen
+            QCOMPARE(rec.delivered(), (result < 0 ? Reports() : Reports{{CTL_EVENT_CROP, result}}));
+        }
+        QGuiApplication::setLayoutDirection(Qt::LeftToRight);
     }
 
     // On a preview the size is stated in the pixels of the picture it was
