@@ -46,6 +46,15 @@ if [ "$arch" = armhf ]; then
   sysroot="$root/build-sysroot/$arch"
   bash "$root/scripts/install-deps.sh" "${HOST_PACKAGES[@]}"
   bash "$root/scripts/target-sysroot.sh" "$arch" "$sysroot" "${TARGET_PACKAGES[@]}"
+  # qemu looks for the fonts in the target root first, where only the
+  # fallback font is: lend it the build machine's Noto fonts (Arabic,
+  # Devanagari, CJK), which the text-fit test needs in every language.
+  for dir in truetype/noto opentype/noto; do
+    if [ -d "/usr/share/fonts/$dir" ]; then
+      mkdir -p "$sysroot/usr/share/fonts/${dir%/*}"
+      ln -sfn "/usr/share/fonts/$dir" "$sysroot/usr/share/fonts/$dir"
+    fi
+  done
   toolchain_args=(-DVO_SYSROOT="$sysroot")
 else
   # dpkg must know the target's architecture before apt can find its packages;

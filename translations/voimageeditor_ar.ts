@@ -53,6 +53,55 @@
         <comment>Opening...</comment>
         <translation>جارٍ الفتح…</translation>
     </message>
+    <message>
+        <source>TXT_RID_NOTICE_FORMAT_NOT_WRITABLE</source>
+        <comment>Pictures in this format can not be saved over. Save as keeps the edits in a new .%1 picture.</comment>
+        <translation>لا يمكن الحفظ فوق الصور بهذا التنسيق. «حفظ باسم» يحفظ التعديلات في صورة ‎.%1 جديدة.</translation>
+    </message>
+    <message>
+        <source>TXT_RID_SAVE_REASON_PERMISSION</source>
+        <comment>You may not change this file or its folder.</comment>
+        <translation>لا يُسمح لك بتغيير هذا الملف أو مجلده.</translation>
+    </message>
+    <message>
+        <source>TXT_RID_SAVE_REASON_UNREADABLE</source>
+        <comment>It could not be read; it may be damaged.</comment>
+        <translation>تعذّرت قراءتها؛ ربما تكون تالفة.</translation>
+    </message>
+    <message>
+        <source>TXT_RID_SAVE_REASON_NAME_TAKEN</source>
+        <comment>Another file took that name meanwhile.</comment>
+        <translation>أخذ ملف آخر هذا الاسم في أثناء ذلك.</translation>
+    </message>
+    <message>
+        <source>TXT_RID_SAVE_REASON_IO_ERROR</source>
+        <comment>The memory could not be read or written.</comment>
+        <translation>تعذّرت القراءة من الذاكرة أو الكتابة إليها.</translation>
+    </message>
+    <message>
+        <source>TXT_RID_NOTICE_NOT_SAVED</source>
+        <comment>The picture could not be saved. %1</comment>
+        <translation>تعذّر حفظ الصورة. %1</translation>
+    </message>
+</context>
+<context>
+    <name>ImgSvcAdjustDlg</name>
+    <message>
+        <source>Brightness</source>
+        <translation>السطوع</translation>
+    </message>
+    <message>
+        <source>Contrast</source>
+        <translation>التباين</translation>
+    </message>
+    <message>
+        <source>Saturation</source>
+        <translation>التشبع</translation>
+    </message>
+    <message>
+        <source>Adjust</source>
+        <translation>ضبط</translation>
+    </message>
 </context>
 <context>
     <name>ImgSvcCropMgr</name>
@@ -295,6 +344,14 @@
         <source>Emboss</source>
         <translation>نقش بارز</translation>
     </message>
+    <message>
+        <source>Auto-fix</source>
+        <translation>إصلاح تلقائي</translation>
+    </message>
+    <message>
+        <source>Adjust…</source>
+        <translation>ضبط…</translation>
+    </message>
 </context>
 <context>
     <name>QObject</name>
@@ -352,6 +409,11 @@
         <source>TXT_RID_SOFTKEY_APPLY</source>
         <comment>Apply</comment>
         <translation>تطبيق</translation>
+    </message>
+    <message>
+        <source>TXT_RID_OPTION_UNDO</source>
+        <comment>Undo</comment>
+        <translation>تراجع</translation>
     </message>
 </context>
 <context>

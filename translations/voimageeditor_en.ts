@@ -78,6 +78,11 @@
         <comment>The picture could not be saved. %1</comment>
         <translation>The picture could not be saved. %1</translation>
     </message>
+    <message>
+        <source>TXT_RID_NOTICE_FORMAT_NOT_WRITABLE</source>
+        <comment>Pictures in this format can not be saved over. Save as keeps the edits in a new .%1 picture.</comment>
+        <translation>Pictures in this format can not be saved over. Save as keeps the edits in a new .%1 picture.</translation>
+    </message>
 </context>
 <context>
     <name>ImgSvcAdjustDlg</name>

@@ -53,6 +53,55 @@
         <comment>Opening...</comment>
         <translation>Abriendo…</translation>
     </message>
+    <message>
+        <source>TXT_RID_NOTICE_FORMAT_NOT_WRITABLE</source>
+        <comment>Pictures in this format can not be saved over. Save as keeps the edits in a new .%1 picture.</comment>
+        <translation>Las imágenes en este formato no se pueden sobrescribir. «Guardar como» conserva los cambios en una nueva imagen .%1.</translation>
+    </message>
+    <message>
+        <source>TXT_RID_SAVE_REASON_PERMISSION</source>
+        <comment>You may not change this file or its folder.</comment>
+        <translation>No puede modificar este archivo ni su carpeta.</translation>
+    </message>
+    <message>
+        <source>TXT_RID_SAVE_REASON_UNREADABLE</source>
+        <comment>It could not be read; it may be damaged.</comment>
+        <translation>No se pudo leer; puede estar dañada.</translation>
+    </message>
+    <message>
+        <source>TXT_RID_SAVE_REASON_NAME_TAKEN</source>
+        <comment>Another file took that name meanwhile.</comment>
+        <translation>Otro archivo ha tomado ese nombre mientras tanto.</translation>
+    </message>
+    <message>
+        <source>TXT_RID_SAVE_REASON_IO_ERROR</source>
+        <comment>The memory could not be read or written.</comment>
+        <translation>No se pudo leer ni escribir en la memoria.</translation>
+    </message>
+    <message>
+        <source>TXT_RID_NOTICE_NOT_SAVED</source>
+        <comment>The picture could not be saved. %1</comment>
+        <translation>No se pudo guardar la imagen. %1</translation>
+    </message>
+</context>
+<context>
+    <name>ImgSvcAdjustDlg</name>
+    <message>
+        <source>Brightness</source>
+        <translation>Brillo</translation>
+    </message>
+    <message>
+        <source>Contrast</source>
+        <translation>Contraste</translation>
+    </message>
+    <message>
+        <source>Saturation</source>
+        <translation>Saturación</translation>
+    </message>
+    <message>
+        <source>Adjust</source>
+        <translation>Ajustes</translation>
+    </message>
 </context>
 <context>
     <name>ImgSvcCropMgr</name>
@@ -295,6 +344,14 @@
         <source>Emboss</source>
         <translation>Relieve</translation>
     </message>
+    <message>
+        <source>Auto-fix</source>
+        <translation>Corrección auto</translation>
+    </message>
+    <message>
+        <source>Adjust…</source>
+        <translation>Ajustes…</translation>
+    </message>
 </context>
 <context>
     <name>QObject</name>
@@ -352,6 +409,11 @@
         <source>TXT_RID_SOFTKEY_APPLY</source>
         <comment>Apply</comment>
         <translation>Aplicar</translation>
+    </message>
+    <message>
+        <source>TXT_RID_OPTION_UNDO</source>
+        <comment>Undo</comment>
+        <translation>Deshacer</translation>
     </message>
 </context>
 <context>

@@ -53,6 +53,55 @@
         <comment>Opening...</comment>
         <translation>Ouverture…</translation>
     </message>
+    <message>
+        <source>TXT_RID_NOTICE_FORMAT_NOT_WRITABLE</source>
+        <comment>Pictures in this format can not be saved over. Save as keeps the edits in a new .%1 picture.</comment>
+        <translation>Les images de ce format ne peuvent pas être remplacées. « Enregistrer sous » garde les modifications dans une nouvelle image .%1.</translation>
+    </message>
+    <message>
+        <source>TXT_RID_SAVE_REASON_PERMISSION</source>
+        <comment>You may not change this file or its folder.</comment>
+        <translation>Vous n’avez pas le droit de modifier ce fichier ou son dossier.</translation>
+    </message>
+    <message>
+        <source>TXT_RID_SAVE_REASON_UNREADABLE</source>
+        <comment>It could not be read; it may be damaged.</comment>
+        <translation>Lecture impossible ; le fichier est peut-être endommagé.</translation>
+    </message>
+    <message>
+        <source>TXT_RID_SAVE_REASON_NAME_TAKEN</source>
+        <comment>Another file took that name meanwhile.</comment>
+        <translation>Un autre fichier a pris ce nom entre-temps.</translation>
+    </message>
+    <message>
+        <source>TXT_RID_SAVE_REASON_IO_ERROR</source>
+        <comment>The memory could not be read or written.</comment>
+        <translation>Impossible de lire ou d’écrire dans la mémoire.</translation>
+    </message>
+    <message>
+        <source>TXT_RID_NOTICE_NOT_SAVED</source>
+        <comment>The picture could not be saved. %1</comment>
+        <translation>Impossible d’enregistrer l’image. %1</translation>
+    </message>
+</context>
+<context>
+    <name>ImgSvcAdjustDlg</name>
+    <message>
+        <source>Brightness</source>
+        <translation>Luminosité</translation>
+    </message>
+    <message>
+        <source>Contrast</source>
+        <translation>Contraste</translation>
+    </message>
+    <message>
+        <source>Saturation</source>
+        <translation>Saturation</translation>
+    </message>
+    <message>
+        <source>Adjust</source>
+        <translation>Réglages</translation>
+    </message>
 </context>
 <context>
     <name>ImgSvcCropMgr</name>
@@ -295,6 +344,14 @@
         <source>Emboss</source>
         <translation>Relief</translation>
     </message>
+    <message>
+        <source>Auto-fix</source>
+        <translation>Correction auto</translation>
+    </message>
+    <message>
+        <source>Adjust…</source>
+        <translation>Réglages…</translation>
+    </message>
 </context>
 <context>
     <name>QObject</name>
@@ -352,6 +409,11 @@
         <source>TXT_RID_SOFTKEY_APPLY</source>
         <comment>Apply</comment>
         <translation>Appliquer</translation>
+    </message>
+    <message>
+        <source>TXT_RID_OPTION_UNDO</source>
+        <comment>Undo</comment>
+        <translation>Défaire</translation>
     </message>
 </context>
 <context>

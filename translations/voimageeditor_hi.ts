@@ -53,6 +53,55 @@
         <comment>Opening...</comment>
         <translation>खुल रहा है…</translation>
     </message>
+    <message>
+        <source>TXT_RID_NOTICE_FORMAT_NOT_WRITABLE</source>
+        <comment>Pictures in this format can not be saved over. Save as keeps the edits in a new .%1 picture.</comment>
+        <translation>इस फ़ॉर्मैट के चित्रों पर दोबारा सहेजा नहीं जा सकता। "इस रूप में सहेजें" बदलावों को नए .%1 चित्र में रखता है।</translation>
+    </message>
+    <message>
+        <source>TXT_RID_SAVE_REASON_PERMISSION</source>
+        <comment>You may not change this file or its folder.</comment>
+        <translation>आप इस फ़ाइल या इसके फ़ोल्डर को नहीं बदल सकते।</translation>
+    </message>
+    <message>
+        <source>TXT_RID_SAVE_REASON_UNREADABLE</source>
+        <comment>It could not be read; it may be damaged.</comment>
+        <translation>इसे पढ़ा नहीं जा सका; यह क्षतिग्रस्त हो सकता है।</translation>
+    </message>
+    <message>
+        <source>TXT_RID_SAVE_REASON_NAME_TAKEN</source>
+        <comment>Another file took that name meanwhile.</comment>
+        <translation>इस बीच किसी दूसरी फ़ाइल ने यह नाम ले लिया।</translation>
+    </message>
+    <message>
+        <source>TXT_RID_SAVE_REASON_IO_ERROR</source>
+        <comment>The memory could not be read or written.</comment>
+        <translation>मेमोरी पढ़ी या लिखी नहीं जा सकी।</translation>
+    </message>
+    <message>
+        <source>TXT_RID_NOTICE_NOT_SAVED</source>
+        <comment>The picture could not be saved. %1</comment>
+        <translation>चित्र सहेजा नहीं जा सका। %1</translation>
+    </message>
+</context>
+<context>
+    <name>ImgSvcAdjustDlg</name>
+    <message>
+        <source>Brightness</source>
+        <translation>चमक</translation>
+    </message>
+    <message>
+        <source>Contrast</source>
+        <translation>कंट्रास्ट</translation>
+    </message>
+    <message>
+        <source>Saturation</source>
+        <translation>संतृप्ति</translation>
+    </message>
+    <message>
+        <source>Adjust</source>
+        <translation>समायोजन</translation>
+    </message>
 </context>
 <context>
     <name>ImgSvcCropMgr</name>
@@ -295,6 +344,14 @@
         <source>Emboss</source>
         <translation>उभार</translation>
     </message>
+    <message>
+        <source>Auto-fix</source>
+        <translation>स्वतः सुधार</translation>
+    </message>
+    <message>
+        <source>Adjust…</source>
+        <translation>समायोजन…</translation>
+    </message>
 </context>
 <context>
     <name>QObject</name>
@@ -352,6 +409,11 @@
         <source>TXT_RID_SOFTKEY_APPLY</source>
         <comment>Apply</comment>
         <translation>लागू करें</translation>
+    </message>
+    <message>
+        <source>TXT_RID_OPTION_UNDO</source>
+        <comment>Undo</comment>
+        <translation>पूर्ववत करें</translation>
     </message>
 </context>
 <context>

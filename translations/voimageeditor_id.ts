@@ -53,6 +53,55 @@
         <comment>Opening...</comment>
         <translation>Membuka…</translation>
     </message>
+    <message>
+        <source>TXT_RID_NOTICE_FORMAT_NOT_WRITABLE</source>
+        <comment>Pictures in this format can not be saved over. Save as keeps the edits in a new .%1 picture.</comment>
+        <translation>Gambar dalam format ini tidak dapat ditimpa. "Simpan sebagai" menyimpan suntingan dalam gambar .%1 baru.</translation>
+    </message>
+    <message>
+        <source>TXT_RID_SAVE_REASON_PERMISSION</source>
+        <comment>You may not change this file or its folder.</comment>
+        <translation>Anda tidak boleh mengubah file ini atau foldernya.</translation>
+    </message>
+    <message>
+        <source>TXT_RID_SAVE_REASON_UNREADABLE</source>
+        <comment>It could not be read; it may be damaged.</comment>
+        <translation>Tidak dapat dibaca; mungkin rusak.</translation>
+    </message>
+    <message>
+        <source>TXT_RID_SAVE_REASON_NAME_TAKEN</source>
+        <comment>Another file took that name meanwhile.</comment>
+        <translation>File lain telah memakai nama itu.</translation>
+    </message>
+    <message>
+        <source>TXT_RID_SAVE_REASON_IO_ERROR</source>
+        <comment>The memory could not be read or written.</comment>
+        <translation>Memori tidak dapat dibaca atau ditulisi.</translation>
+    </message>
+    <message>
+        <source>TXT_RID_NOTICE_NOT_SAVED</source>
+        <comment>The picture could not be saved. %1</comment>
+        <translation>Gambar tidak dapat disimpan. %1</translation>
+    </message>
+</context>
+<context>
+    <name>ImgSvcAdjustDlg</name>
+    <message>
+        <source>Brightness</source>
+        <translation>Kecerahan</translation>
+    </message>
+    <message>
+        <source>Contrast</source>
+        <translation>Kontras</translation>
+    </message>
+    <message>
+        <source>Saturation</source>
+        <translation>Saturasi</translation>
+    </message>
+    <message>
+        <source>Adjust</source>
+        <translation>Sesuaikan</translation>
+    </message>
 </context>
 <context>
     <name>ImgSvcCropMgr</name>
@@ -295,6 +344,14 @@
         <source>Emboss</source>
         <translation>Timbul</translation>
     </message>
+    <message>
+        <source>Auto-fix</source>
+        <translation>Perbaiki otomatis</translation>
+    </message>
+    <message>
+        <source>Adjust…</source>
+        <translation>Sesuaikan…</translation>
+    </message>
 </context>
 <context>
     <name>QObject</name>
@@ -352,6 +409,11 @@
         <source>TXT_RID_SOFTKEY_APPLY</source>
         <comment>Apply</comment>
         <translation>Terapkan</translation>
+    </message>
+    <message>
+        <source>TXT_RID_OPTION_UNDO</source>
+        <comment>Undo</comment>
+        <translation>Urungkan</translation>
     </message>
 </context>
 <context>

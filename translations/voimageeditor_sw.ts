@@ -53,6 +53,55 @@
         <comment>Opening...</comment>
         <translation>Inafungua…</translation>
     </message>
+    <message>
+        <source>TXT_RID_NOTICE_FORMAT_NOT_WRITABLE</source>
+        <comment>Pictures in this format can not be saved over. Save as keeps the edits in a new .%1 picture.</comment>
+        <translation>Picha za muundo huu haziwezi kuhifadhiwa juu yake. "Hifadhi kama" huweka mabadiliko katika picha mpya ya .%1.</translation>
+    </message>
+    <message>
+        <source>TXT_RID_SAVE_REASON_PERMISSION</source>
+        <comment>You may not change this file or its folder.</comment>
+        <translation>Huruhusiwi kubadilisha faili hii au folda yake.</translation>
+    </message>
+    <message>
+        <source>TXT_RID_SAVE_REASON_UNREADABLE</source>
+        <comment>It could not be read; it may be damaged.</comment>
+        <translation>Haikuweza kusomwa; huenda imeharibika.</translation>
+    </message>
+    <message>
+        <source>TXT_RID_SAVE_REASON_NAME_TAKEN</source>
+        <comment>Another file took that name meanwhile.</comment>
+        <translation>Faili nyingine imechukua jina hilo wakati huo.</translation>
+    </message>
+    <message>
+        <source>TXT_RID_SAVE_REASON_IO_ERROR</source>
+        <comment>The memory could not be read or written.</comment>
+        <translation>Kumbukumbu haikuweza kusomwa au kuandikwa.</translation>
+    </message>
+    <message>
+        <source>TXT_RID_NOTICE_NOT_SAVED</source>
+        <comment>The picture could not be saved. %1</comment>
+        <translation>Picha haikuweza kuhifadhiwa. %1</translation>
+    </message>
+</context>
+<context>
+    <name>ImgSvcAdjustDlg</name>
+    <message>
+        <source>Brightness</source>
+        <translation>Mwangaza</translation>
+    </message>
+    <message>
+        <source>Contrast</source>
+        <translation>Utofautishaji</translation>
+    </message>
+    <message>
+        <source>Saturation</source>
+        <translation>Ukolezi</translation>
+    </message>
+    <message>
+        <source>Adjust</source>
+        <translation>Rekebisha</translation>
+    </message>
 </context>
 <context>
     <name>ImgSvcCropMgr</name>
@@ -295,6 +344,14 @@
         <source>Emboss</source>
         <translation>Nakshi</translation>
     </message>
+    <message>
+        <source>Auto-fix</source>
+        <translation>Rekebisha kiotomatiki</translation>
+    </message>
+    <message>
+        <source>Adjust…</source>
+        <translation>Rekebisha…</translation>
+    </message>
 </context>
 <context>
     <name>QObject</name>
@@ -352,6 +409,11 @@
         <source>TXT_RID_SOFTKEY_APPLY</source>
         <comment>Apply</comment>
         <translation>Tumia</translation>
+    </message>
+    <message>
+        <source>TXT_RID_OPTION_UNDO</source>
+        <comment>Undo</comment>
+        <translation>Tendua</translation>
     </message>
 </context>
 <context>
