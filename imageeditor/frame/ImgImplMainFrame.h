@@ -134,7 +134,7 @@ private:
     // A picture whose format can not be written back: says so, and that
     // Save as keeps the edits in a format that can. True when it was shown.
     bool noticeUnwritableFormat();
-    void showErrorNotice(const QString &text);
+    void showErrorNotice(const QString &text, int timeoutMs = 3000);
 
     ImgImplServiceMgr *serviceMgr;
     ImgImplStatMachine *statMachine;

@@ -103,10 +103,8 @@ bool ImgImplMainFrame::noticeUnwritableFormat()
                                                  "Pictures in this format can not be saved over. Save as keeps "
                                                  "the edits in a new .%1 picture.")
                              .arg(MMFileFormat::saveSuffixFor(originalFile));
-    auto *notice = new ZNoticeDlg(1, 0, QString(), text, nullptr, nullptr, true, 0);
-    notice->setTitleIcon(QStringLiteral("error_pop"));
-    notice->exec();
-    delete notice;
+    // It stays until dismissed: the person has a choice to make after it.
+    showErrorNotice(text, 0);
     return true;
 }
 
@@ -153,9 +151,9 @@ void ImgImplMainFrame::showMemoryFullNotice()
     showErrorNotice(text);
 }
 
-void ImgImplMainFrame::showErrorNotice(const QString &text)
+void ImgImplMainFrame::showErrorNotice(const QString &text, int timeoutMs)
 {
-    auto *notice = new ZNoticeDlg(1, 3000, QString(), text, nullptr, nullptr, true, 0);
+    auto *notice = new ZNoticeDlg(1, timeoutMs, QString(), text, nullptr, nullptr, true, 0);
     notice->setTitleIcon(QStringLiteral("error_pop"));
     notice->exec();
     delete notice;
